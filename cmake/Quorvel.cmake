@@ -1,6 +1,8 @@
 # Shared build helpers for every component folder.
 
-set(QUORVEL_COMPONENTS platform ui records service server analytics push topic home compose app tools)
+# The component folders to build; a subset can be chosen at configure time.
+set(QUORVEL_COMPONENTS platform ui records service server analytics push topic home compose app tools
+    CACHE STRING "Component folders to build")
 
 # Adds those of the given sub-folders that hold a CMakeLists.txt, so a component can be
 # added or dropped without touching the parent.

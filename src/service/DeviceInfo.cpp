@@ -1,0 +1,8 @@
+#include "DeviceInfo.h"
+
+#include "DeviceIdentifier.h"
+
+QString DeviceInfo::getMachineUDID()
+{
+    return DeviceIdentifier::value();
+}
