@@ -1,0 +1,106 @@
+#include "ServerOptions.h"
+
+#include <QCommandLineParser>
+#include <QHostAddress>
+
+namespace {
+
+const char *const kDescription =
+    "Quorvel reference forum server. Serves the forum API under /api/, generated pictures\n"
+    "under /img/ and promotion pages under /pages/, storing everything in one SQLite file\n"
+    "that is created and filled with demo data on first start.\n"
+    "Posting: userid 0 posts as the device's temporary user (found or made from imei);\n"
+    "a user posts (topics and replies together) at most once per --post-interval seconds.";
+
+// Reads a whole number in [minimum, maximum]; absent when the text is anything else.
+std::optional<int> boundedNumber(const QString &text, int minimum, int maximum)
+{
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (!ok || value < minimum || value > maximum)
+        return std::nullopt;
+    return value;
+}
+
+} // namespace
+
+ServerOptionsParse parseServerOptions(const QStringList &arguments)
+{
+    ServerOptions options;
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString::fromLatin1(kDescription));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help and exit."));
+    const QCommandLineOption host(QStringLiteral("host"),
+                                  QStringLiteral("Address to listen on (default 127.0.0.1)."),
+                                  QStringLiteral("address"), options.host);
+    const QCommandLineOption port(QStringLiteral("port"),
+                                  QStringLiteral("TCP port (default 8080); 0 picks a free one. "
+                                                 "The first line on stdout names the API root."),
+                                  QStringLiteral("port"), QString::number(options.port));
+    const QCommandLineOption db(QStringLiteral("db"),
+                                QStringLiteral("SQLite database file (default %1), created "
+                                               "with demo data when missing.")
+                                    .arg(options.databasePath),
+                                QStringLiteral("path"), options.databasePath);
+    const QCommandLineOption interval(
+        QStringLiteral("post-interval"),
+        QStringLiteral("Seconds a user must wait between two posts (default %1; 0 = no limit).")
+            .arg(options.postIntervalSeconds),
+        QStringLiteral("seconds"), QString::number(options.postIntervalSeconds));
+    const QCommandLineOption maxBody(
+        QStringLiteral("max-body"),
+        QStringLiteral("Largest request body and query string in bytes (default %1); larger "
+                       "requests get 413/414.")
+            .arg(options.maxBodyBytes),
+        QStringLiteral("bytes"), QString::number(options.maxBodyBytes));
+    const QCommandLineOption maxTitle(
+        QStringLiteral("max-title"),
+        QStringLiteral("Longest topic title in UTF-16 units (default %1).").arg(options.maxTitleLength),
+        QStringLiteral("units"), QString::number(options.maxTitleLength));
+    const QCommandLineOption maxContent(
+        QStringLiteral("max-content"),
+        QStringLiteral("Longest topic or reply text in UTF-16 units (default %1).")
+            .arg(options.maxContentLength),
+        QStringLiteral("units"), QString::number(options.maxContentLength));
+    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent});
+
+    if (!parser.parse(arguments))
+        return {std::nullopt, parser.errorText() + QLatin1Char('\n'), 2};
+    if (parser.isSet(help))
+        return {std::nullopt, parser.helpText(), 0};
+    if (!parser.positionalArguments().isEmpty())
+        return {std::nullopt,
+                QStringLiteral("unexpected argument: %1\n").arg(parser.positionalArguments().first()), 2};
+
+    options.host = parser.value(host);
+    options.databasePath = parser.value(db);
+    if (QHostAddress(options.host).isNull())
+        return {std::nullopt, QStringLiteral("--host needs an IP address\n"), 2};
+    if (options.databasePath.isEmpty())
+        return {std::nullopt, QStringLiteral("--db needs a file path\n"), 2};
+
+    struct Bounded { const QCommandLineOption &option; int minimum; int maximum; int *target; };
+    int portNumber = 0;
+    const Bounded numbers[] = {
+        {port, 0, 65535, &portNumber},
+        {interval, 0, 24 * 3600, &options.postIntervalSeconds},
+        {maxBody, 1024, 64 * 1024 * 1024, &options.maxBodyBytes},
+        {maxTitle, 1, 10000, &options.maxTitleLength},
+        {maxContent, 1, 1000000, &options.maxContentLength},
+    };
+    for (const Bounded &number : numbers) {
+        const std::optional<int> value = boundedNumber(parser.value(number.option), number.minimum,
+                                                       number.maximum);
+        if (!value)
+            return {std::nullopt,
+                    QStringLiteral("--%1 needs a whole number from %2 to %3\n")
+                        .arg(number.option.names().constFirst())
+                        .arg(number.minimum)
+                        .arg(number.maximum),
+                    2};
+        *number.target = *value;
+    }
+    options.port = static_cast<quint16>(portNumber);
+    return {options, QString(), 0};
+}

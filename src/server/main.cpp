@@ -1,0 +1,64 @@
+// quorvel-server: the forum's reference server. See --help.
+#include "DemoData.h"
+#include "ForumDatabase.h"
+#include "ForumHttpServer.h"
+#include "ForumRouter.h"
+#include "ForumStore.h"
+#include "ServerLog.h"
+#include "ServerOptions.h"
+#include "UnixSignalWatcher.h"
+
+#include <QDateTime>
+#include <QGuiApplication>
+#include <QHostAddress>
+
+#include <cstdio>
+
+int main(int argc, char **argv)
+{
+    // Pictures carry text, and fonts need a QGuiApplication; there is no display to use.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("quorvel-server"));
+
+    const ServerOptionsParse parsed = parseServerOptions(QCoreApplication::arguments());
+    if (!parsed.options) {
+        std::fputs(parsed.message.toLocal8Bit().constData(), parsed.exitCode == 0 ? stdout : stderr);
+        return parsed.exitCode;
+    }
+    const ServerOptions &options = *parsed.options;
+
+    QString error;
+    const std::unique_ptr<ForumDatabase> database = ForumDatabase::open(options.databasePath, &error);
+    if (!database) {
+        serverLog(error);
+        return 1;
+    }
+    ForumStore store(*database);
+    try {
+        DemoData::seed(store);
+    } catch (const StoreError &failure) {
+        serverLog(QStringLiteral("cannot write the demo data: %1").arg(QString::fromStdString(failure.what())));
+        return 1;
+    }
+
+    ForumRouter router(store, options, [] { return QDateTime::currentMSecsSinceEpoch(); });
+    ForumHttpServer server(router);
+    const quint16 port = server.listen(QHostAddress(options.host), options.port);
+    if (port == 0) {
+        serverLog(QStringLiteral("cannot listen on %1:%2").arg(options.host).arg(options.port));
+        return 1;
+    }
+    const QString origin = QStringLiteral("http://%1:%2").arg(options.host).arg(port);
+    router.setFallbackOrigin(origin);
+    std::printf("quorvel-server listening on %s/api/\n", origin.toUtf8().constData());
+    std::fflush(stdout);
+
+    UnixSignalWatcher signalWatcher;
+    QObject::connect(&signalWatcher, &UnixSignalWatcher::terminationRequested, &app, [](int signalNumber) {
+        serverLog(QStringLiteral("signal %1, stopping").arg(signalNumber));
+        QCoreApplication::quit();
+    });
+    return app.exec();
+}
