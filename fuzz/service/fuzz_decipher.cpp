@@ -1,0 +1,21 @@
+// The answer path: any Data text deciphers to a text, an empty text or absent, never a
+// crash; and the JSON helper then yields a value or nothing.
+#include "DesCryptUtil.h"
+#include "JsonChangDic.h"
+
+#include <QLoggingCategory>
+
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    static const bool quiet = [] {
+        QLoggingCategory::setFilterRules(QStringLiteral("quorvel.info=false"));
+        return true;
+    }();
+    (void)quiet;
+    const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
+    const std::optional<QString> plain = DesCryptUtil::DesDecode(text, DesCryptUtil::kKey, DesCryptUtil::kIV);
+    JsonChangDic::dictionaryWithJsonString(plain);
+    return 0;
+}
