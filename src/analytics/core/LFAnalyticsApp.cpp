@@ -1,0 +1,172 @@
+#include "LFAnalyticsApp.h"
+
+#include "LFAnalyticsConfig.h"
+#include "LFAnalyticsContext.h"
+#include "LFAnalyticsSession.h"
+#include "LFAnalyticsThrift.h"
+#include "LFWorkDispatch.h"
+
+#include <QCoreApplication>
+#include <QMutexLocker>
+
+#include <optional>
+
+namespace {
+// Numbers that arrive as text from the server or the store.
+std::optional<double> numberFromText(const QString &text)
+{
+    if (text.isNull())
+        return std::nullopt;
+    bool ok = false;
+    const double value = text.trimmed().toDouble(&ok);
+    return ok ? std::optional<double>(value) : std::nullopt;
+}
+} // namespace
+
+LFAnalyticsApp::LFAnalyticsApp(LFAnalyticsContext &context)
+    : m_context(context)
+{
+    m_appVersion = context.options().appVersion;
+    if (m_appVersion.isEmpty())
+        m_appVersion = QCoreApplication::applicationVersion();
+    const QVariant stored = context.config().configureWithKey(QStringLiteral("appkey"));
+    if (stored.typeId() == QMetaType::QString && !stored.toString().isEmpty())
+        m_appid = stored.toString();
+}
+
+LFAnalyticsApp &LFAnalyticsApp::shared()
+{
+    return LFAnalyticsContext::shared().app();
+}
+
+#define LF_GUARDED_ACCESSORS(Type, getter, setter, member)                                         \
+    Type LFAnalyticsApp::getter() const                                                             \
+    {                                                                                               \
+        QMutexLocker lock(&m_mutex);                                                                \
+        return member;                                                                              \
+    }                                                                                               \
+    void LFAnalyticsApp::setter(Type value)                                                         \
+    {                                                                                               \
+        QMutexLocker lock(&m_mutex);                                                                \
+        member = value;                                                                             \
+    }
+
+void LFAnalyticsApp::startWithAppkey(const QString &appKey, uint32_t reportPolicy, const QString &channelId)
+{
+    m_context.log(QStringLiteral("analytics sdk version %1 , app version %2").arg(kSdkVersion, appVersion()));
+    const QString key = appKey.trimmed();
+    if (key.isEmpty()) {
+        m_context.logAlways(QStringLiteral(
+            "LFLOG: appkey can not be found or not valid. LFAnalytics methods must be called after "
+            "[LFAnalytics startWithAppkey...]!"));
+        return;
+    }
+    LFAnalyticsConfig &config = m_context.config();
+    const QString stored = config.stringWithKey(QStringLiteral("appkey"));
+    if (!stored.isNull() && stored != appKey)
+        m_context.logAlways(QStringLiteral("WARNING: Appkey is different from the past."));
+    config.setConfigure(appKey, QStringLiteral("appkey"));
+    config.setConfigure(reportPolicy, QStringLiteral("lfcReportPolicy"));
+    setAppid(appKey);
+    setReportPolicy(reportPolicy);
+    if (!config.configureWithKey(QStringLiteral("lfSeparatedTime")).isValid())
+        config.setConfigure(m_context.now(), QStringLiteral("lfSeparatedTime"));
+
+    LFWorkDispatch &dispatch = m_context.dispatch();
+    emit dispatch.gotAppkey();
+    if (!channelId.isEmpty())
+        setChannel(channelId);
+
+    LFAnalyticsSession &session = m_context.session();
+    session.registerObservers();
+    auto activateFirstSession = [&session] {
+        if (session.sessionStatus() == LFAnalyticsSession::NeverStarted)
+            session.appActivate();
+    };
+    if (QCoreApplication::instance())
+        QMetaObject::invokeMethod(&dispatch, activateFirstSession, Qt::QueuedConnection);
+    else
+        activateFirstSession();
+}
+
+void LFAnalyticsApp::setLogSendInterval(double seconds)
+{
+    if (seconds < kMinReportInterval) {
+        m_context.logAlways(QStringLiteral("ERROR: can't less 90s for log send interval."));
+        return;
+    }
+    m_context.config().setConfigure(seconds, QStringLiteral("lfcReportInterval"));
+    updateLogSendInterval();
+}
+
+LF_GUARDED_ACCESSORS(QString, appid, setAppid, m_appid)
+LF_GUARDED_ACCESSORS(QString, channel, setChannel, m_channel)
+LF_GUARDED_ACCESSORS(QString, appVersion, setAppVersion, m_appVersion)
+LF_GUARDED_ACCESSORS(bool, logEnabled, setLogEnabled, m_logEnabled)
+LF_GUARDED_ACCESSORS(bool, encryptEnabled, setEncryptEnabled, m_encryptEnabled)
+LF_GUARDED_ACCESSORS(bool, backgroundTaskEnabled, setBackgroundTaskEnabled, m_backgroundTaskEnabled)
+LF_GUARDED_ACCESSORS(bool, crashReportEnabled, setCrashReportEnabled, m_crashReportEnabled)
+LF_GUARDED_ACCESSORS(bool, backgroundTaskRunning, setBackgroundTaskRunning, m_backgroundTaskRunning)
+LF_GUARDED_ACCESSORS(uint32_t, storedReportPolicy, setReportPolicy, m_reportPolicy)
+
+bool LFAnalyticsApp::appCrashedHandlerInstalled() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_appCrashedHandlerInstalled;
+}
+
+double LFAnalyticsApp::logSendInterval() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_logSendInterval;
+}
+
+uint32_t LFAnalyticsApp::reportPolicy() const
+{
+    const LFAnalyticsOptions &options = m_context.options();
+    LFAnalyticsConfig &config = m_context.config();
+    std::optional<double> policy;
+    if (!options.integratedTestMode)
+        policy = config.numberWithKey(QStringLiteral("lfExperimentRPT"));
+    if (!policy)
+        policy = numberFromText(m_context.thrift().imprintPropertyValueWithKey(QStringLiteral("report_policy")));
+    if (!policy)
+        policy = config.numberWithKey(QStringLiteral("report_policy"));
+    if (!policy)
+        policy = config.numberWithKey(QStringLiteral("lfcReportPolicy"));
+    const uint32_t value = policy ? uint32_t(qint64(*policy)) : storedReportPolicy();
+
+    if (value == 0 && options.integratedTestMode && options.debugging)
+        return 0;
+    if (value > 8 || (value != 1 && value != 6 && value != 8))
+        return 1;
+    return value;
+}
+
+double LFAnalyticsApp::minReportInterval() const
+{
+    if (m_context.options().integratedTestMode)
+        return kMinReportInterval;
+    LFAnalyticsConfig &config = m_context.config();
+    LFAnalyticsThrift &thrift = m_context.thrift();
+    std::optional<double> interval;
+    const std::optional<double> experiment = config.numberWithKey(QStringLiteral("lfExperimentRPT"));
+    if (experiment && *experiment == 6)
+        interval = numberFromText(thrift.imprintPropertyValueWithKey(QStringLiteral("test_report_interval")));
+    if (!interval)
+        interval = numberFromText(thrift.imprintPropertyValueWithKey(QStringLiteral("report_interval")));
+    if (!interval)
+        interval = config.numberWithKey(QStringLiteral("lefiseix_report_interval"));
+    if (!interval)
+        interval = config.numberWithKey(QStringLiteral("lfcReportInterval"));
+    if (!interval || *interval < kMinReportInterval || *interval > kMaxReportInterval)
+        return kMinReportInterval;
+    return *interval;
+}
+
+void LFAnalyticsApp::updateLogSendInterval()
+{
+    const double interval = minReportInterval();
+    QMutexLocker lock(&m_mutex);
+    m_logSendInterval = interval;
+}

@@ -1,0 +1,91 @@
+#pragma once
+// The in-memory containers (events, attribute events, errors, session-end records, pages),
+// the work of each dispatched event, and the cache file that keeps the containers across
+// launches. Work runs on the main thread; a session ended without a background task is stopped
+// on the caller's thread, so the containers are guarded by a lock.
+
+#include "LFAnalyticsRecords.h"
+#include "LFWorkDispatch.h"
+
+#include <QHash>
+#include <QRecursiveMutex>
+#include <QString>
+
+class LFAnalyticsContext;
+
+class LFAnalyticsInternal
+{
+public:
+    static constexpr int kMaxEventsPerPeriod = 5000;
+    static constexpr double kEventPeriod = 8 * 3600;
+
+    explicit LFAnalyticsInternal(LFAnalyticsContext &context);
+
+    static LFAnalyticsInternal &shared();
+
+    QString sessionId() const;
+    void setSessionId(const QString &sessionId);
+
+    void workEvent(const LFDispatchEventRecord &event);
+
+    // Ends the current session: a session-end record with the pages and any location.
+    void stopSession(double duration);
+    // Archives the containers to the cache file and empties them.
+    void saveAndCleanCache();
+    // Adds the archived containers in front of what is in memory (they are older).
+    void loadCache();
+    // Forgets the containers and the cache file.
+    void removeCacheData();
+
+    // Seam for the envelope code: encodes what is in memory and hands it to the envelope
+    // writer; on success the events count towards the period and memory and cache are cleared.
+    bool generateEnvelopeFile();
+    // Seam for the upload code: starts posting the waiting envelope files.
+    void beginPerformJob();
+    bool isJobRunning() const;
+    void setJobRunning(bool running);
+
+    bool hasDataInMemory() const;
+    // Plain and attribute events held in memory.
+    int eventCountInMemory() const;
+    // Whether envelope files wait in the envelope folder.
+    bool hasEnvelopeFiles() const;
+    QString cacheFilePath() const;
+    QString envelopeDirectory() const;
+
+    void setWrapperType(const QString &type);
+    void setWrapperVersion(const QString &version);
+    QString wrapperType() const;
+    QString wrapperVersion() const;
+
+    using Containers = LFANContainers;
+    Containers containers() const;
+
+private:
+    void work(const LFDispatchEventRecord &event);
+    void stamp(LFANBaseEvent &event) const;
+    bool eventLimitAllows();
+    void addEvent(LFANEvent event);
+    void addEkv(LFANEkv event);
+    void endTimedEvent(const LFANEvent &end);
+    void endTimedEkv(const LFANEkv &end);
+    void pageEnd(const QString &page);
+    void profileSignIn(const QString &provider, const QString &puid);
+    void profileSignOff();
+    void splitSession();
+    bool writeCache(const Containers &containers);
+    void clearMemory();
+
+    LFAnalyticsContext &m_context;
+    mutable QRecursiveMutex m_mutex;
+    QString m_sessionId;
+    Containers m_memory;
+    QHash<QString, LFANEvent> m_timedEvents;
+    QHash<QString, LFANEkv> m_timedEkvs;
+    QHash<QString, double> m_pageBegins;
+    QString m_wrapperType;
+    QString m_wrapperVersion;
+    bool m_jobRunning = false;
+    // Whether memory already holds what the cache file holds, so it is not added twice.
+    bool m_cacheLoaded = false;
+};

@@ -1,0 +1,42 @@
+#pragma once
+// Everything the analytics component takes from outside: time, settings store, folders, hosts,
+// network facts, and the two upload seams filled by the envelope and upload code. Plain value.
+
+#include "LFAnalyticsClock.h"
+#include "UserDefaults.h"
+
+#include <QByteArray>
+#include <QSize>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+struct LFAnalyticsOptions
+{
+    // Null members take their defaults when the component is created.
+    std::shared_ptr<LFAnalyticsClock> clock;          // LFSystemClock
+    std::shared_ptr<UserDefaults> configStore;        // LFAnalyticsConfig::defaultStore()
+    QString cacheDirectory;                           // QStandardPaths::CacheLocation
+    QString bundleIdentifier;                         // organisation domain + application name
+    QString appVersion;                               // QCoreApplication::applicationVersion()
+    QString displayName;                              // QCoreApplication::applicationName()
+    QSize screenPixels;                               // the primary screen, when there is one
+
+    // Analytics log endpoints (scheme and host); both serve "/app_logs".
+    QString primaryLogHost = QStringLiteral("http://127.0.0.1:8080");
+    QString fallbackLogHost = QStringLiteral("http://127.0.0.1:8080");
+
+    // Network facts; by default the platform's reachability (reachable when it cannot tell).
+    std::function<bool()> networkReachable;
+    // "WiFi", "CellNetwork" or anything else for other or unknown access.
+    std::function<QString()> accessText;
+
+    bool integratedTestMode = false;
+    bool debugging = false;
+
+    // Turns an encoded log entry into an envelope file; true when one was written.
+    std::function<bool(const QByteArray &logEntry)> envelopeWriter;
+    // Starts posting the waiting envelope files.
+    std::function<void()> performJob;
+};

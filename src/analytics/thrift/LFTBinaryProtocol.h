@@ -1,0 +1,134 @@
+#pragma once
+// The Thrift binary protocol over a transport: big-endian integers, length-prefixed strings.
+// Used on one thread at a time. A memory buffer transport is read and written directly,
+// without a virtual call per value.
+
+#include "LFTMemoryBuffer.h"
+#include "LFTProtocol.h"
+
+#include <QStringEncoder>
+#include <QtEndian>
+
+class LFTBinaryProtocol final : public LFTProtocol
+{
+public:
+    static constexpr uint32_t kVersion1 = 0x80010000;
+    static constexpr uint32_t kVersionMask = 0xffff0000;
+
+    explicit LFTBinaryProtocol(LFTTransport *transport);
+    LFTBinaryProtocol(LFTTransport *transport, bool strictRead, bool strictWrite);
+
+    LFTTransport *transport() const { return m_transport; }
+    int32_t messageSizeLimit() const { return m_messageSizeLimit; }
+    void setMessageSizeLimit(int32_t limit) { m_messageSizeLimit = limit; }
+
+    void writeMessageBegin(const QString &name, LFTMessageType type, int32_t sequenceId) override;
+    void writeMessageEnd() override {}
+    void writeStructBegin(const char *) override {}
+    void writeStructEnd() override {}
+    void writeFieldBegin(const char *, LFTType type, int16_t fieldId) override
+    {
+        writeByte(int8_t(type));
+        writeI16(fieldId);
+    }
+    void writeFieldEnd() override {}
+    void writeFieldStop() override { writeByte(int8_t(LFTType::Stop)); }
+    void writeMapBegin(LFTType keyType, LFTType valueType, int32_t size) override
+    {
+        writeByte(int8_t(keyType));
+        writeByte(int8_t(valueType));
+        writeI32(size);
+    }
+    void writeMapEnd() override {}
+    void writeSetBegin(LFTType elementType, int32_t size) override { writeListBegin(elementType, size); }
+    void writeSetEnd() override {}
+    void writeListBegin(LFTType elementType, int32_t size) override
+    {
+        writeByte(int8_t(elementType));
+        writeI32(size);
+    }
+    void writeListEnd() override {}
+    void writeBool(bool value) override { writeByte(value ? 1 : 0); }
+    void writeByte(int8_t value) override { putBytes(reinterpret_cast<const char *>(&value), 1); }
+    void writeI16(int16_t value) override { putBigEndian(value); }
+    void writeI32(int32_t value) override { putBigEndian(value); }
+    void writeI64(int64_t value) override { putBigEndian(value); }
+    void writeDouble(double value) override;
+    void writeString(const QString &value) override;
+    void writeBinary(const QByteArray &value) override;
+
+    void readMessageBegin(QString &name, LFTMessageType &type, int32_t &sequenceId) override;
+    void readMessageEnd() override {}
+    void readStructBegin() override {}
+    void readStructEnd() override {}
+    void readFieldBegin(LFTType &type, int16_t &fieldId) override
+    {
+        type = LFTType(uint8_t(readByte()));
+        fieldId = type == LFTType::Stop ? 0 : readI16();
+    }
+    void readFieldEnd() override {}
+    void readMapBegin(LFTType &keyType, LFTType &valueType, int32_t &size) override
+    {
+        keyType = LFTType(uint8_t(readByte()));
+        valueType = LFTType(uint8_t(readByte()));
+        size = readI32();
+    }
+    void readMapEnd() override {}
+    void readSetBegin(LFTType &elementType, int32_t &size) override { readListBegin(elementType, size); }
+    void readSetEnd() override {}
+    void readListBegin(LFTType &elementType, int32_t &size) override
+    {
+        elementType = LFTType(uint8_t(readByte()));
+        size = readI32();
+    }
+    void readListEnd() override {}
+    bool readBool() override { return readByte() == 1; }
+    int8_t readByte() override { return getBigEndian<int8_t>(); }
+    int16_t readI16() override { return getBigEndian<int16_t>(); }
+    int32_t readI32() override { return getBigEndian<int32_t>(); }
+    int64_t readI64() override { return getBigEndian<int64_t>(); }
+    double readDouble() override;
+    QString readString() override { return readStringBody(readI32()); }
+    QByteArray readBinary() override;
+
+    // Bytes a reader could still take, or -1 when the transport cannot tell.
+    qsizetype bytesRemaining() const { return m_memory ? m_memory->remaining() : -1; }
+
+private:
+    QString readStringBody(int32_t size);
+    QByteArray readBytes(int32_t size);
+
+    void putBytes(const char *data, qsizetype length)
+    {
+        if (m_memory)
+            m_memory->storage().append(data, length);
+        else
+            m_transport->write(reinterpret_cast<const uint8_t *>(data), 0, length);
+    }
+    template <typename T> void putBigEndian(T value)
+    {
+        char bytes[sizeof(T)];
+        qToBigEndian(value, bytes);
+        putBytes(bytes, sizeof(T));
+    }
+    template <typename T> T getBigEndian()
+    {
+        T value;
+        if (m_memory) {
+            value = qFromBigEndian<T>(m_memory->peek(sizeof(T)));
+            m_memory->advance(sizeof(T));
+        } else {
+            char bytes[sizeof(T)];
+            m_transport->readAll(reinterpret_cast<uint8_t *>(bytes), 0, sizeof(T));
+            value = qFromBigEndian<T>(bytes);
+        }
+        return value;
+    }
+
+    LFTTransport *m_transport;
+    LFTMemoryBuffer *m_memory;
+    bool m_strictRead;
+    bool m_strictWrite;
+    int32_t m_messageSizeLimit = 0;
+    QStringEncoder m_encoder{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+};
