@@ -1,0 +1,129 @@
+#pragma once
+// An in-process forum: the server's router over a real SQLite file in a temporary folder,
+// seeded with the demo data, with a clock the test moves by hand. Requests are made as
+// the client makes them (pretty-printed JSON, enciphered, in the raw query).
+
+#include "AnswerEnvelope.h"
+#include "DemoData.h"
+#include "DesCryptUtil.h"
+#include "ForumRouter.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+struct ApiAnswer
+{
+    int status = 0;
+    QJsonValue rdata;  // Undefined unless the body was a good envelope
+    ServerReply reply;
+};
+
+class ServerHarness
+{
+public:
+    static constexpr const char *kOrigin = "http://forum.test:8080";
+    static constexpr const char *kImei = "0123456789abcdef0123456789abcdef01234567";
+
+    explicit ServerHarness(ServerOptions options = defaultOptions())
+    {
+        QString error;
+        m_database = ForumDatabase::open(m_folder.filePath(QStringLiteral("forum.sqlite")), &error);
+        EXPECT_TRUE(m_database) << error.toStdString();
+        m_store = std::make_unique<ForumStore>(*m_database);
+        DemoData::seed(*m_store);
+        m_router = std::make_unique<ForumRouter>(*m_store, options, [this] { return nowMs; });
+    }
+
+    static ServerOptions defaultOptions()
+    {
+        ServerOptions options;
+        options.postIntervalSeconds = 10;
+        return options;
+    }
+
+    // The client's text for a payload: pretty-printed JSON.
+    static QByteArray encipher(const QJsonObject &payload)
+    {
+        const QString text = QString::fromUtf8(QJsonDocument(payload).toJson(QJsonDocument::Indented));
+        return DesCryptUtil::DesEncode(text, DesCryptUtil::kKey, DesCryptUtil::kIV)->toLatin1();
+    }
+
+    ApiAnswer raw(const QByteArray &method, const QByteArray &path, const QByteArray &rawQuery = {},
+                  const QByteArray &body = {}, const QByteArray &host = "forum.test:8080")
+    {
+        ApiAnswer answer;
+        answer.reply = m_router->handle({method, path, rawQuery, body, host});
+        answer.status = answer.reply.status;
+        if (const std::optional<QJsonValue> rdata = AnswerEnvelope::unwrap(answer.reply.body))
+            answer.rdata = *rdata;
+        return answer;
+    }
+
+    // GET (or POST for the posting endpoints) of /api/<name>?data=<payload>.
+    ApiAnswer call(const QByteArray &name, const QJsonObject &payload)
+    {
+        const bool posting = name == "WriteTopic" || name == "RepliesleTopic";
+        return raw(posting ? "POST" : "GET", "/api/" + name, "data=" + encipher(payload));
+    }
+
+    static QJsonObject device(const QString &imei = QString::fromLatin1(kImei))
+    {
+        return {{"imei", imei}, {"devicetype", "IOS"}};
+    }
+    static QJsonObject with(QJsonObject base, const QJsonObject &more)
+    {
+        for (auto it = more.begin(); it != more.end(); ++it)
+            base.insert(it.key(), it.value());
+        return base;
+    }
+
+    QJsonArray topicsPage(qint64 sectionid, int pageindex, int pagesize = 10)
+    {
+        return call("GetTopics", with(device(), {{"sectionid", sectionid}, {"showtype", 0}, {"sorttype", 0},
+                                                 {"tag", 100 + sectionid}, {"pageindex", pageindex},
+                                                 {"pagesize", pagesize}}))
+            .rdata.toArray();
+    }
+    QJsonObject detailPayload(qint64 tid, qint64 sectionid = 1, int pageindex = 1)
+    {
+        return with(device(), {{"sectionid", sectionid}, {"userid", 0}, {"tid", tid},
+                               {"pageindex", pageindex}, {"pagesize", 50}, {"islandlord", 0}});
+    }
+    QJsonValue detail(qint64 tid) { return call("TopicDetail", detailPayload(tid)).rdata; }
+    QJsonArray replies(qint64 tid, int pageindex = 1)
+    {
+        return call("RepliesLog", detailPayload(tid, 1, pageindex)).rdata.toArray();
+    }
+    QJsonArray boards() { return raw("GET", "/api/GetSection").rdata.toArray(); }
+    qint64 userFor(const QString &imei)
+    {
+        return call("GetTempUserInfo", device(imei)).rdata[QStringLiteral("userinfo")][QStringLiteral("userid")]
+            .toInteger();
+    }
+
+    QJsonObject topicPayload(qint64 userid, const QString &title, const QString &content, qint64 sectionid = 1)
+    {
+        return with(device(), {{"userid", userid}, {"sectionid", sectionid}, {"tag", 100 + sectionid},
+                               {"title", title}, {"content", content}, {"imgs", QJsonArray()}});
+    }
+    QJsonObject replyPayload(qint64 userid, qint64 tid, const QString &content)
+    {
+        return with(device(), {{"sectionid", 1}, {"userid", userid}, {"tid", tid}, {"content", content},
+                               {"imgs", QJsonArray()}, {"pid", -1}, {"title", "回复标题"}});
+    }
+    QString describe(const ApiAnswer &answer) { return answer.rdata[QStringLiteral("description")].toString(); }
+
+    qint64 nowMs = 1'790'000'000'000;  // moved by the tests; the rate limit reads it
+
+private:
+    QTemporaryDir m_folder;
+    std::unique_ptr<ForumDatabase> m_database;
+    std::unique_ptr<ForumStore> m_store;
+    std::unique_ptr<ForumRouter> m_router;
+};
