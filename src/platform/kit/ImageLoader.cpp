@@ -1,0 +1,53 @@
+#include "ImageLoader.h"
+
+#include <QDir>
+#include <QNetworkDiskCache>
+#include <QNetworkReply>
+#include <QStandardPaths>
+
+ImageLoader &ImageLoader::shared()
+{
+    static ImageLoader *loader = new ImageLoader(
+        QDir(QStandardPaths::writableLocation(QStandardPaths::CacheLocation)).filePath(QStringLiteral("images")));
+    return *loader;
+}
+
+ImageLoader::ImageLoader(const QString &diskCacheDirectory, QObject *parent)
+    : QObject(parent), m_memoryCache(kMemoryCacheKilobytes)
+{
+    auto *diskCache = new QNetworkDiskCache(&m_network);
+    diskCache->setCacheDirectory(diskCacheDirectory);
+    diskCache->setMaximumCacheSize(kDiskCacheBytes);
+    m_network.setCache(diskCache);
+}
+
+QImage ImageLoader::cachedImage(const QUrl &url) const
+{
+    const QImage *image = m_memoryCache.object(url);
+    return image ? *image : QImage();
+}
+
+QNetworkReply *ImageLoader::loadImage(const QUrl &url, QObject *context, Completion completion)
+{
+    if (const QImage *cached = m_memoryCache.object(url)) {
+        completion(*cached);
+        return nullptr;
+    }
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::PreferCache);
+    QNetworkReply *reply = m_network.get(request);
+    reply->setParent(context);
+    connect(reply, &QNetworkReply::finished, context, [this, reply, url, completion = std::move(completion)] {
+        reply->deleteLater();
+        QImage image;
+        if (reply->error() == QNetworkReply::NoError)
+            image = QImage::fromData(reply->readAll());
+        if (!image.isNull())
+            m_memoryCache.insert(url, new QImage(image), qMax<qsizetype>(1, image.sizeInBytes() / 1024));
+        else
+            qWarning("ImageLoader: no image from %s (%s)", qPrintable(url.toString()),
+                     qPrintable(reply->errorString()));
+        completion(image);
+    });
+    return reply;
+}

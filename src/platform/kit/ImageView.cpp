@@ -1,0 +1,79 @@
+#include "ImageView.h"
+
+#include "ImageLoader.h"
+
+#include <QNetworkReply>
+#include <QPainter>
+#include <QPainterPath>
+
+ImageView::ImageView(QWidget *parent) : View(parent)
+{
+    setUserInteractionEnabled(false);
+}
+
+ImageView::ImageView(const QRectF &frame, QWidget *parent) : ImageView(parent)
+{
+    setFrame(frame);
+}
+
+void ImageView::setImage(const QImage &image)
+{
+    m_image = image;
+    update();
+}
+
+void ImageView::setContentMode(ContentMode mode)
+{
+    m_contentMode = mode;
+    update();
+}
+
+void ImageView::setCornerRadius(qreal radius)
+{
+    m_cornerRadius = radius;
+    update();
+}
+
+void ImageView::setImageWithURL(const QUrl &url, const QImage &placeholder)
+{
+    if (m_pending)
+        m_pending->deleteLater(); // aborts it; its answer is not wanted any more
+    m_pending = nullptr;
+    m_url = url;
+    setImage(placeholder);
+    if (!url.isValid() || url.isEmpty())
+        return;
+    ImageLoader &loader = m_loader ? *m_loader : ImageLoader::shared();
+    m_pending = loader.loadImage(url, this, [this, url](const QImage &image) {
+        if (url != m_url)
+            return;
+        m_pending = nullptr;
+        if (!image.isNull())
+            setImage(image);
+        emit imageLoaded(url);
+    });
+}
+
+void ImageView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (m_cornerRadius > 0) {
+        QPainterPath clip;
+        clip.addRoundedRect(QRectF(rect()), m_cornerRadius, m_cornerRadius);
+        painter.setClipPath(clip);
+    }
+    if (backgroundColor().isValid())
+        painter.fillRect(rect(), backgroundColor());
+    if (m_image.isNull())
+        return;
+    QSizeF size = m_image.size();
+    QRectF target = rect();
+    if (m_contentMode != ContentMode::ScaleToFill) {
+        size.scale(target.size(), m_contentMode == ContentMode::ScaleAspectFit ? Qt::KeepAspectRatio
+                                                                               : Qt::KeepAspectRatioByExpanding);
+        target = QRectF(QPointF((width() - size.width()) / 2, (height() - size.height()) / 2), size);
+    }
+    painter.drawImage(target, m_image);
+}

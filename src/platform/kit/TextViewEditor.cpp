@@ -1,0 +1,143 @@
+#include "TextViewEditor.h"
+
+#include "TextView.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+
+namespace {
+bool isNavigationOrCopy(QKeyEvent *event)
+{
+    if (event->matches(QKeySequence::Copy) || event->matches(QKeySequence::SelectAll))
+        return true;
+    switch (event->key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isTypedText(const QString &text)
+{
+    if (text.isEmpty())
+        return false;
+    for (QChar c : text) {
+        if (c.category() == QChar::Other_Control)
+            return false;
+    }
+    return true;
+}
+} // namespace
+
+TextViewEditor::TextViewEditor(TextView *owner) : QPlainTextEdit(owner), m_owner(owner)
+{
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setUndoRedoEnabled(false); // an undo would change the text behind the delegate's back
+    setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    viewport()->setAutoFillBackground(false);
+    setStyleSheet(QStringLiteral("QPlainTextEdit { background: transparent; }"));
+}
+
+Range TextViewEditor::selectionOrCursor() const
+{
+    const QTextCursor cursor = textCursor();
+    return Range{cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
+}
+
+Range TextViewEditor::deletionRange(bool backwards) const
+{
+    const Range selection = selectionOrCursor();
+    if (selection.length > 0)
+        return selection;
+    const QString text = toPlainText();
+    const qsizetype at = selection.location;
+    if (backwards) {
+        if (at == 0)
+            return Range{0, 0};
+        const bool pair = at >= 2 && text.at(at - 1).isLowSurrogate() && text.at(at - 2).isHighSurrogate();
+        return pair ? Range{at - 2, 2} : Range{at - 1, 1};
+    }
+    if (at >= text.size())
+        return Range{at, 0};
+    const bool pair = at + 1 < text.size() && text.at(at).isHighSurrogate() && text.at(at + 1).isLowSurrogate();
+    return Range{at, pair ? 2 : 1};
+}
+
+void TextViewEditor::keyPressEvent(QKeyEvent *event)
+{
+    if (isNavigationOrCopy(event)) {
+        QPlainTextEdit::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    if (!m_owner->isEditable())
+        return;
+    if (event->matches(QKeySequence::Paste)) {
+        m_owner->paste();
+    } else if (event->matches(QKeySequence::Cut)) {
+        if (textCursor().hasSelection()) {
+            copy();
+            m_owner->replaceRange(selectionOrCursor(), QString());
+        }
+    } else if (event->key() == Qt::Key_Backspace && event->modifiers() == Qt::NoModifier) {
+        m_owner->replaceRange(deletionRange(true), QString());
+    } else if (event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
+        m_owner->replaceRange(deletionRange(false), QString());
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        m_owner->replaceRange(selectionOrCursor(), QStringLiteral("\n"));
+    } else if (isTypedText(event->text())) {
+        m_owner->replaceRange(selectionOrCursor(), event->text());
+    }
+}
+
+void TextViewEditor::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (m_owner->isEditable() && (!event->commitString().isEmpty() || event->replacementLength() > 0)) {
+        Range range = selectionOrCursor();
+        if (range.length == 0 && event->replacementLength() > 0) {
+            range.location += event->replacementStart();
+            range.length = event->replacementLength();
+        }
+        m_owner->replaceRange(range, event->commitString());
+    }
+    // What is still being composed is shown by Qt; it becomes text only when committed.
+    QInputMethodEvent composing(event->preeditString(), event->attributes());
+    QPlainTextEdit::inputMethodEvent(&composing);
+    event->accept();
+}
+
+bool TextViewEditor::canInsertFromMimeData(const QMimeData *source) const
+{
+    return source->hasText();
+}
+
+void TextViewEditor::insertFromMimeData(const QMimeData *source)
+{
+    if (m_owner->isEditable() && source->hasText())
+        m_owner->replaceRange(selectionOrCursor(), source->text());
+}
+
+void TextViewEditor::focusInEvent(QFocusEvent *event)
+{
+    QPlainTextEdit::focusInEvent(event);
+    if (!m_owner->isFirstResponder() && !m_owner->becomeFirstResponder())
+        clearFocus();
+}
+
+void TextViewEditor::contextMenuEvent(QContextMenuEvent *event)
+{
+    // Qt's menu offers undo and delete, which would bypass the delegate.
+    event->accept();
+}
