@@ -60,6 +60,7 @@ TEST(ServerEndpointAnswers, BannerItemsOpenTopicsOrServedPages)
         }
     }
     EXPECT_EQ(topicItems, Demo::kBannerTopicItems);
+    EXPECT_EQ(items.size() - topicItems, Demo::kBannerPageItems);
 }
 
 TEST(ServerEndpointAnswers, BoardsPlainAndEncipheredCarryTheirPictures)
@@ -177,6 +178,7 @@ TEST(ServerEndpointAnswers, RepliesComeHighlightedFirstAndPageByFifty)
     ServerHarness forum;
     const QJsonArray first = forum.replies(Demo::kManyRepliesTopicId);
     ASSERT_EQ(first.size(), 50);
+    EXPECT_EQ(Demo::kManyRepliesHighlighted + Demo::kManyRepliesFirstPageOrdinary, 50);
     for (int i = 0; i < first.size(); ++i) {
         const QJsonObject reply = first[i].toObject();
         expectTypes(reply, {"username", "timeformat", "content"}, {"istop", "rid", "tid"});

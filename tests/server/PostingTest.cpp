@@ -89,7 +89,7 @@ TEST(ServerPosting, SecondPostWithinTheIntervalIsRefusedAcrossBothKinds)
               QString::fromUtf8(Demo::kTopicPosted));
     const int countAfterFirst = boardTopicCount(forum);
 
-    forum.nowMs += 9'999;
+    forum.nowMs += Demo::kDefaultPostIntervalSeconds * 1000 - 1;
     EXPECT_EQ(forum.describe(forum.call("WriteTopic", forum.topicPayload(user, "又一帖", kBody))),
               QString::fromUtf8(Demo::kTooSoon));
     EXPECT_EQ(forum.describe(forum.call("RepliesleTopic", forum.replyPayload(user, Demo::kNewestTopicId, "顶"))),
