@@ -34,6 +34,18 @@ QString describe(const QJsonValue &value)
     return {};
 }
 
+QString displayText(const QJsonValue &value)
+{
+    return value.isUndefined() || value.isNull() ? QString() : describe(value);
+}
+
+std::optional<QString> optionalText(const QJsonValue &value)
+{
+    if (value.isUndefined() || value.isNull())
+        return std::nullopt;
+    return describe(value);
+}
+
 qint64 integerValue(const QString &text)
 {
     qsizetype i = 0;

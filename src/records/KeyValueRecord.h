@@ -47,10 +47,10 @@ public:
             setValuesForKeysWithDictionary(value.toObject());
     }
 
-    const FieldNames &fieldNames() const { return m_names; }
+    const FieldNames &fieldNames() const { return *m_names; }
 
 protected:
-    explicit KeyValueRecord(const FieldNames &names) : m_names(names)
+    explicit KeyValueRecord(const FieldNames &names) : m_names(&names)
     {
         m_values.fill(QJsonValue(QJsonValue::Undefined));
     }
@@ -61,13 +61,13 @@ private:
     int indexOf(QStringView key) const
     {
         for (std::size_t i = 0; i < FieldCount; ++i) {
-            if (m_names[i] == key)
+            if ((*m_names)[i] == key)
                 return int(i);
         }
         return -1;
     }
 
-    const FieldNames &m_names;
+    const FieldNames *m_names; // the record type's static table
     std::array<QJsonValue, FieldCount> m_values;
 };
 

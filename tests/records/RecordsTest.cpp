@@ -106,3 +106,12 @@ TEST(FieldValue, IntegerValueOfNumbersAndNumericText)
     EXPECT_EQ(FieldValue::integerValue(QJsonValue(QJsonValue::Null)), 0);
     EXPECT_EQ(FieldValue::integerValue(QJsonValue(QJsonArray{1})), 0);
 }
+
+TEST(FieldValue, LabelsShowNothingForAbsentOrNull)
+{
+    EXPECT_EQ(FieldValue::displayText(QJsonValue(QJsonValue::Undefined)), QString());
+    EXPECT_EQ(FieldValue::displayText(QJsonValue(QJsonValue::Null)), QString());
+    EXPECT_EQ(FieldValue::displayText(QJsonValue(3)), QStringLiteral("3"));
+    EXPECT_EQ(FieldValue::optionalText(QJsonValue(QJsonValue::Null)), std::nullopt);
+    EXPECT_EQ(FieldValue::optionalText(QJsonValue(QStringLiteral("x"))), QStringLiteral("x"));
+}

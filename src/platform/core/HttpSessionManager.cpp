@@ -19,6 +19,8 @@ QByteArray escapeFormValue(const QString &value)
     return QUrl::toPercentEncoding(value, QByteArrayLiteral("/?"));
 }
 
+int g_inFlight = 0;
+
 HttpTask taskFor(const QNetworkReply *reply, const QByteArray &method)
 {
     HttpTask task;
@@ -55,6 +57,11 @@ QNetworkAccessManager &HttpSessionManager::network()
         return manager;
     }();
     return *shared;
+}
+
+int HttpSessionManager::requestsInFlight()
+{
+    return g_inFlight;
 }
 
 QByteArray HttpSessionManager::formEncoded(const QVariant &parameters)
@@ -102,11 +109,13 @@ void HttpSessionManager::start(const QByteArray &method, const QString &url,
         reply = network().get(request);
     }
 
+    ++g_inFlight;
     const JsonResponseSerializer serializer(m_acceptableContentTypes);
     QObject::connect(reply, &QNetworkReply::finished, reply,
                      [reply, method, serializer, success = std::move(success),
                       failure = std::move(failure)] {
                          reply->deleteLater();
+                         --g_inFlight;
                          const HttpTask task = taskFor(reply, method);
                          const JsonResponseSerializer::Result result =
                              serializer.responseObjectForReply(reply, task);

@@ -43,6 +43,9 @@ public:
     // The process's shared network access manager (main thread).
     static QNetworkAccessManager &network();
 
+    // Requests started and not yet finished, across all clients (main thread).
+    static int requestsInFlight();
+
 private:
     void start(const QByteArray &method, const QString &url, const QVariant &parameters,
                SuccessBlock success, FailureBlock failure) const;

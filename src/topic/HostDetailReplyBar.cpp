@@ -1,0 +1,235 @@
+// The reply bar of HostDetailViewController: its views, its text rules, how it follows the
+// keyboard, and sending a reply.
+
+#include "HostDetailViewController.h"
+
+#include "Button.h"
+#include "Fonts.h"
+#include "ForumPayloads.h"
+#include "HttpRequest.h"
+#include "ImageView.h"
+#include "JsonChangDic.h"
+#include "KeyboardObserver.h"
+#include "MainScreen.h"
+#include "NoticeOverlay.h"
+#include "Reachability.h"
+#include "RefreshHeader.h"
+#include "ReplyIcon.h"
+#include "TableView.h"
+#include "TextInputMode.h"
+#include "TextView.h"
+#include "TopicStyle.h"
+#include "UIColorAdd.h"
+#include "UserIdStore.h"
+#include "Window.h"
+
+#include <QJsonObject>
+
+namespace {
+
+const QString kPlaceholder = QStringLiteral("来一条高能回帖");
+const QString kReplySucceeded = QStringLiteral("回帖成功");
+const QString kReplyNotice = QStringLiteral("回复成功");
+const QString kRefusedNotice = QStringLiteral("操作太频繁请稍后再试");
+const QString kOfflineNotice = QStringLiteral("网络连接失败");
+const QString kEmojiLanguage = QStringLiteral("emoji");
+// Any well-known public host serves; only the platform's reachability is read.
+const QString kReachabilityHost = QStringLiteral("www.debian.org");
+
+constexpr int kReplyFont = 14;
+constexpr qreal kBoxLeft = 45;
+constexpr qreal kBoxRightRoom = 110;
+constexpr qreal kBoxHeight = 50;
+constexpr qreal kBoxMaxGrowth = 41;
+constexpr qreal kAboveKeyboard = 37;
+const QRectF kPlaceholderFrame(10, 5, 200, 15);
+
+qreal screenW() { return MainScreen::width(); }
+qreal screenH() { return MainScreen::height(); }
+
+} // namespace
+
+void HostDetailViewController::buildReplyBar()
+{
+    const qreal W = screenW();
+    const qreal H = screenH();
+
+    m_replyImage = new ImageView(QRectF(15, H - 96, 20, 20));
+    m_replyImage->setImage(ReplyIcon::image());
+    view()->addSubview(m_replyImage);
+
+    m_replyTextView = new TextView(QRectF(kBoxLeft, H - 100, W - kBoxRightRoom, kBoxHeight));
+    m_replyTextView->setFont(Fonts::systemFontOfSize(kReplyFont));
+    m_replyTextView->setDelegate(this);
+    m_replyTextView->setContentOffset(QPointF(0, 0));
+    view()->addSubview(m_replyTextView);
+
+    m_textlabel = new Button(kPlaceholderFrame);
+    m_textlabel->setTitle(kPlaceholder);
+    m_textlabel->setTitleColor(UIColorAdd::colorWithHexString(QString::fromLatin1(TopicStyle::kMutedColor)));
+    m_textlabel->setContentHorizontalAlignment(ContentHorizontalAlignment::Left);
+    connect(m_textlabel, &Button::touchUpInside, this, &HostDetailViewController::textlabelAction);
+    m_replyTextView->addSubview(m_textlabel);
+
+    m_sender = new Button(QRectF(W - 55, H - 102, 50, 25));
+    m_sender->setTitle(QStringLiteral("发送"));
+    m_sender->setTitleColor(Qt::black);
+    m_sender->setContentHorizontalAlignment(ContentHorizontalAlignment::Left);
+    m_sender->setHidden(true);
+    connect(m_sender, &Button::touchUpInside, this, &HostDetailViewController::handleAction);
+    view()->addSubview(m_sender);
+
+    m_replyImage->setFrame(QRectF(15, H - 38, 20, 20));
+    m_replyTextView->setFrame(QRectF(kBoxLeft, H - 40, W - kBoxRightRoom, kBoxHeight));
+
+    KeyboardObserver &keyboard = KeyboardObserver::shared();
+    connect(&keyboard, &KeyboardObserver::keyboardWillShow, this, &HostDetailViewController::keyboardWillShow);
+    connect(&keyboard, &KeyboardObserver::keyboardWillHide, this, &HostDetailViewController::keyboardWillHide);
+}
+
+void HostDetailViewController::resetPlaceholder()
+{
+    m_textlabel->setFrame(kPlaceholderFrame);
+}
+
+void HostDetailViewController::textlabelAction()
+{
+    m_replyTextView->becomeFirstResponder();
+}
+
+void HostDetailViewController::textViewDidBeginEditing(TextView *)
+{
+    m_textlabel->setHidden(true);
+}
+
+bool HostDetailViewController::shouldChangeTextInRange(TextView *textView, const Range &range, const QString &text)
+{
+    // The emoji keyboard can change nothing, deletions included.
+    if (TextInputMode::currentInputMode().primaryLanguage() == kEmojiLanguage)
+        return false;
+    if (textView != m_replyTextView || text.isEmpty())
+        return true;
+    if (textView->text().size() - range.length + text.size() > TopicStyle::kReplyMaxLength)
+        return false;
+    if (text == u"\n") {
+        textView->resignFirstResponder();
+        resetPlaceholder();
+        return false;
+    }
+    return true;
+}
+
+void HostDetailViewController::textViewDidChange(TextView *textView)
+{
+    const qreal h = JsonChangDic::adaptHeight(textView->text());
+    // Pasted text may arrive longer than the limit.
+    if (textView->text().size() > TopicStyle::kReplyMaxLength)
+        textView->setText(textView->text().left(TopicStyle::kReplyMaxLength));
+    if (h < kBoxMaxGrowth)
+        m_replyTextView->setFrame(QRectF(kBoxLeft, screenH() - kAboveKeyboard - height, screenW() - kBoxRightRoom, h));
+}
+
+void HostDetailViewController::keyboardWillShow(const KeyboardNotification &notification)
+{
+    const qreal W = screenW();
+    const qreal top = screenH() - kAboveKeyboard - notification.frameEnd.height();
+    height = notification.frameEnd.height();
+    m_tableView->setFrame(QRectF(0, 0, W, view()->frame().height() - TopicStyle::kReplyBarHeight - height));
+    m_sender->setHidden(false);
+    m_replyTextView->setFrame(QRectF(kBoxLeft, top, W - kBoxRightRoom, kBoxHeight));
+    m_replyImage->setFrame(QRectF(15, top, 20, 20));
+    m_sender->setFrame(QRectF(W - 55, top, 50, 25));
+}
+
+void HostDetailViewController::keyboardWillHide(const KeyboardNotification &)
+{
+    const qreal W = screenW();
+    const qreal H = screenH();
+    m_tableView->setFrame(QRectF(0, 0, W, view()->frame().height() - TopicStyle::kReplyBarHeight));
+    m_sender->setFrame(QRectF(W - 55, H - 102, 50, 25));
+    m_sender->setHidden(true);
+    if (m_replyTextView->text().isEmpty())
+        m_textlabel->setHidden(false);
+    m_replyTextView->setFrame(QRectF(kBoxLeft, H - 40, W - kBoxRightRoom, kBoxHeight));
+    m_replyImage->setFrame(QRectF(15, H - 36, 20, 20));
+}
+
+bool HostDetailViewController::isConnectionAvailable() const
+{
+    return Reachability::reachabilityWithHostName(kReachabilityHost).currentReachabilityStatus()
+           != Reachability::NotReachable;
+}
+
+void HostDetailViewController::alterView()
+{
+    QWidget *host = Window::of(view());
+    if (!host)
+        host = view()->window();
+    m_hu = NoticeOverlay::showHUDAddedTo(host, true);
+    m_hu->hideAfterDelay(NoticeOverlay::kDefaultDuration);
+}
+
+void HostDetailViewController::showNotice(const QString &text)
+{
+    alterView();
+    m_hu->setLabelText(text);
+}
+
+void HostDetailViewController::handleAction()
+{
+    resetPlaceholder();
+    const bool reachable = isConnectionAvailable();
+    if (m_replyTextView->text().isEmpty()) {
+        // Nothing turns the button back on during this visit: an empty send kills it.
+        m_sender->setUserInteractionEnabled(false);
+        return;
+    }
+    if (!reachable) {
+        showNotice(kOfflineNotice);
+        return;
+    }
+    m_sender->setUserInteractionEnabled(true);
+    m_tableView->header()->beginRefreshing();
+    titels.clear();
+    dataSource.clear();
+    m_replyTextView->resignFirstResponder();
+    if (result == kOpenedFromBanner)
+        reply();
+    else
+        replyJson();
+    jsonDiction();
+    m_replyTextView->setText(QString());
+}
+
+void HostDetailViewController::buildReply(const QJsonValue &replyTid, const QJsonValue &title)
+{
+    const QJsonObject payload =
+        ForumPayloads::reply(model, replyTid, title, UserIdStore().userId(), m_replyTextView->text());
+    replyString = JsonChangDic::jsonWithDictionary(payload);
+    replyTopic();
+}
+
+void HostDetailViewController::replyJson()
+{
+    buildReply(postModel.tid(), postModel.title());
+}
+
+void HostDetailViewController::reply()
+{
+    // The banner path sends the screen's own topic id and, as its title, the poster's name.
+    buildReply(tid, postModel.username());
+}
+
+void HostDetailViewController::replyTopic()
+{
+    HttpRequest::GetRepliesleTopicSuccessBlock(
+        [controller = self()](const HttpTask &, const QJsonValue &payload) {
+            controller->m_textlabel->setHidden(false);
+            const bool succeeded =
+                payload.toObject().value(QStringLiteral("description")).toString() == kReplySucceeded;
+            controller->showNotice(succeeded ? kReplyNotice : kRefusedNotice);
+            controller->m_tableView->reloadData();
+            controller->endRefresh();
+        },
+        {}, replyString);
+}

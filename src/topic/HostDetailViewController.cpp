@@ -1,0 +1,241 @@
+#include "HostDetailViewController.h"
+
+#include "BarButtonItem.h"
+#include "FieldValue.h"
+#include "ForumLog.h"
+#include "ForumPayloads.h"
+#include "HeadView.h"
+#include "HostCell.h"
+#include "HttpRequest.h"
+#include "JsonChangDic.h"
+#include "Label.h"
+#include "MainScreen.h"
+#include "NavigationController.h"
+#include "NavigationItem.h"
+#include "RefreshHeader.h"
+#include "TableView.h"
+#include "TextView.h"
+#include "TopicStyle.h"
+#include "UIColorAdd.h"
+#include "UserIdStore.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+
+const QString kCellIdentifier = QStringLiteral("cell1");
+constexpr int kHighlightedSection = 0;
+constexpr int kAllRepliesSection = 1;
+constexpr qreal kInitialTableBottomRoom = 114;
+
+QColor hexColor(const char *hex)
+{
+    return UIColorAdd::colorWithHexString(QString::fromLatin1(hex));
+}
+
+} // namespace
+
+HostDetailViewController::HostDetailViewController() = default;
+
+std::shared_ptr<HostDetailViewController> HostDetailViewController::self()
+{
+    return std::static_pointer_cast<HostDetailViewController>(shared_from_this());
+}
+
+void HostDetailViewController::viewDidLoad()
+{
+    setExtendedLayoutIncludesOpaqueBars(true);
+    page = 1;
+    setTitle(QStringLiteral("详情"));
+    view()->setBackgroundColor(Qt::white);
+
+    const qreal width = MainScreen::width();
+    const qreal viewHeight = view()->frame().height();
+    m_tableView = new TableView(QRectF(0, 0, width, viewHeight - kInitialTableBottomRoom));
+    m_tableView->setDelegate(this);
+    m_tableView->setDataSource(this);
+    view()->addSubview(m_tableView);
+    m_tableView->registerClass<HostCell>(kCellIdentifier);
+    m_tableView->setHeader(new RefreshHeader(this, &HostDetailViewController::jsonDiction));
+
+    height = JsonChangDic::adaptiveWithText(FieldValue::optionalText(postModel.topiccontent()));
+    titleH = JsonChangDic::adaptiveWithText(FieldValue::optionalText(postModel.title()));
+    m_headV = new HeadView(QRectF(0, 0, width, height + TopicStyle::kHeadExtraHeight + titleH));
+    m_headV->setBackgroundColor(Qt::white);
+    m_tableView->setTableHeaderView(m_headV);
+
+    array = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")};
+
+    buildReplyBar();
+
+    m_tableView->setBackgroundColor(hexColor(TopicStyle::kListBackground));
+    m_tableView->setFrame(QRectF(0, 0, width, viewHeight - TopicStyle::kReplyBarHeight));
+}
+
+void HostDetailViewController::viewWillAppear(bool animated)
+{
+    ViewController::viewWillAppear(animated);
+    if (NavigationController *navigation = navigationController())
+        navigation->setNavigationBarHidden(false, animated);
+    if (result == kOpenedFromNotification) {
+        navigationItem()->setLeftBarButtonItem(
+            new BarButtonItem(QStringLiteral("返回"), BarButtonItem::Style::Plain, [this] { backAction(); }));
+    }
+    m_tableView->header()->beginRefreshing();
+}
+
+void HostDetailViewController::backAction()
+{
+    dismissViewControllerAnimated(true);
+}
+
+void HostDetailViewController::backC()
+{
+    if (NavigationController *navigation = navigationController())
+        navigation->popViewControllerAnimated(true);
+}
+
+void HostDetailViewController::backController()
+{
+    backC();
+}
+
+void HostDetailViewController::jsonDiction()
+{
+    ++page;
+    const UserIdStore store;
+    const QString idText = store.text();
+    forumLog(QStringLiteral("+++++++++ %1").arg(idText.isNull() ? QStringLiteral("(null)") : idText));
+    // Always page 1 of 50, whatever `page` holds: the screen shows the first 50 replies.
+    jsonString = JsonChangDic::jsonWithDictionary(ForumPayloads::topicDetail(model, postModel, store.userId()));
+    requstData();
+    replyRequst();
+}
+
+void HostDetailViewController::requstData()
+{
+    HttpRequest::GetTopicDetailSuccessBlock(
+        [controller = self()](const HttpTask &, const QJsonValue &payload) {
+            if (payload.isNull())
+                return;
+            const QJsonObject topic = payload.toObject();
+            controller->endRefresh();
+            controller->replaceHeadView(topic.value(QStringLiteral("title")).toString(),
+                                        topic.value(QStringLiteral("time")).toString(),
+                                        topic.value(QStringLiteral("topiccontent")).toString());
+        },
+        {}, jsonString);
+    m_tableView->reloadData();
+}
+
+void HostDetailViewController::replaceHeadView(const QString &title, const QString &time, const QString &content)
+{
+    height = JsonChangDic::adaptiveWithText(content);
+    titleH = JsonChangDic::adaptiveWithText(title);
+    m_headV = new HeadView(QRectF(0, 0, MainScreen::width(), height + TopicStyle::kHeadExtraHeight + titleH));
+    m_headV->setBackgroundColor(Qt::white);
+    m_tableView->setTableHeaderView(m_headV);
+    m_headV->title()->setText(title);
+    m_headV->time()->setText(time);
+    m_headV->content()->setText(content);
+    // The poster comes from the record the opener handed over, not from the answer.
+    m_headV->user()->setText(FieldValue::displayText(postModel.username()));
+}
+
+void HostDetailViewController::replyRequst()
+{
+    HttpRequest::GetRepliesLogSuccessBlock(
+        [controller = self()](const HttpTask &, const QJsonValue &payload) {
+            if (!payload.isNull()) {
+                controller->titels.clear();
+                controller->dataSource.clear();
+                for (const QJsonValue &element : payload.toArray()) {
+                    controller->replyListModel = ReplyListModel::fromJson(element);
+                    const qint64 istop = FieldValue::integerValue(element.toObject().value(QStringLiteral("istop")));
+                    if (istop == 1)
+                        controller->titels.append(controller->replyListModel);
+                    else if (istop == 0)
+                        controller->dataSource.append(controller->replyListModel);
+                }
+            }
+            controller->endRefresh();
+            controller->m_tableView->reloadData();
+        },
+        {}, jsonString);
+}
+
+void HostDetailViewController::endRefresh()
+{
+    if (m_tableView->header())
+        m_tableView->header()->endRefreshing();
+    if (m_tableView->footer())
+        m_tableView->footer()->endRefreshing();
+}
+
+int HostDetailViewController::numberOfSectionsInTableView(TableView *)
+{
+    return int(array.size());
+}
+
+int HostDetailViewController::numberOfRowsInSection(TableView *, int section)
+{
+    if (section == kHighlightedSection)
+        return int(titels.size());
+    if (section == kAllRepliesSection)
+        return int(dataSource.size());
+    return 0;
+}
+
+TableViewCell *HostDetailViewController::cellForRowAtIndexPath(TableView *tableView, const IndexPath &indexPath)
+{
+    auto *cell = static_cast<HostCell *>(tableView->dequeueReusableCellWithIdentifier(kCellIdentifier, indexPath));
+    cell->setSelectionStyle(TableViewCellSelectionStyle::None);
+    replyListModel = indexPath.section == kHighlightedSection ? titels.at(indexPath.row) : dataSource.at(indexPath.row);
+    cell->getModel(replyListModel);
+    return cell;
+}
+
+qreal HostDetailViewController::heightForRowAtIndexPath(TableView *, const IndexPath &)
+{
+    // Measured from the record last parsed or handed to a cell, not the row's own: rows laid
+    // out before their cells are built share the last record's height. Kept on purpose.
+    return JsonChangDic::adaptiveWithText(FieldValue::optionalText(replyListModel.content()))
+           + TopicStyle::kReplyRowExtraHeight;
+}
+
+qreal HostDetailViewController::heightForHeaderInSection(TableView *, int)
+{
+    return TopicStyle::kSectionHeaderHeight;
+}
+
+qreal HostDetailViewController::heightForFooterInSection(TableView *, int)
+{
+    return TopicStyle::kSectionFooterHeight;
+}
+
+QWidget *HostDetailViewController::viewForHeaderInSection(TableView *, int section)
+{
+    const qreal width = MainScreen::width();
+    auto *header = new View(QRectF(0, 0, width, TopicStyle::kSectionHeaderHeight));
+    header->setBackgroundColor(Qt::white);
+    m_label = new Label(QRectF(15, 15, 200, 15));
+    header->addSubview(m_label);
+    if (section == kHighlightedSection) {
+        m_label->setText(QStringLiteral("精彩回复"));
+    } else if (section == kAllRepliesSection) {
+        m_label->setText(QStringLiteral("全部回复(%1)").arg(dataSource.size()));
+    } else {
+        m_label->setFrame(QRectF((width - 40) * 0.5, 15, 40, 15));
+        m_label->setText(QStringLiteral("END"));
+        m_label->setTextColor(hexColor(TopicStyle::kEndMarkerColor));
+        header->setBackgroundColor(hexColor(TopicStyle::kListBackground));
+    }
+    return header;
+}
+
+void HostDetailViewController::scrollViewDidEndDragging(ScrollView *, bool)
+{
+    resetPlaceholder();
+    m_replyTextView->resignFirstResponder();
+}
