@@ -252,9 +252,23 @@ bool NavigationController::eventFilter(QObject *watched, QEvent *event)
     return ViewController::eventFilter(watched, event);
 }
 
+void NavigationController::installTopWithoutTransition()
+{
+    m_shown = m_stack.constLast();
+    View *shownView = m_shown->view();
+    shownView->setParent(view());
+    layoutShownViewController();
+    updateBarItems();
+    shownView->show();
+    m_bar->raise();
+}
+
 void NavigationController::viewWillAppear(bool animated)
 {
     ViewController::viewWillAppear(animated);
+    // Coming on screen with a first screen waiting: it appears together with this controller.
+    if (!m_shown && !m_stack.isEmpty())
+        installTopWithoutTransition();
     if (m_shown && !m_transitioning)
         m_shown->beginAppearanceTransition(true, animated);
 }

@@ -55,6 +55,7 @@ protected:
 private:
     void scheduleTransition(bool animated);
     void runTransition();
+    void installTopWithoutTransition();
     void finishTransition(std::shared_ptr<ViewController> from, bool animated);
     void layoutShownViewController();
     void updateBarItems();

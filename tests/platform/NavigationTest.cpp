@@ -1,0 +1,219 @@
+// Push, pop, modal presentation, the bar's items and the phone's screen geometry.
+#include "KitTestSupport.h"
+
+#include "BarButtonItem.h"
+#include "Button.h"
+#include "EventLoop.h"
+#include "Label.h"
+#include "NavigationBar.h"
+#include "NavigationController.h"
+#include "NavigationItem.h"
+#include "TableView.h"
+#include "View.h"
+#include "ViewController.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Log = std::vector<std::string>;
+
+class Screen : public ViewController
+{
+public:
+    Screen(std::string name, Log *log) : name(std::move(name)), log(log) { setTitle(QString::fromStdString(this->name)); }
+
+    void viewDidLoad() override
+    {
+        log->push_back(name + ".viewDidLoad(" + property + ")");
+        table = new TableView(QRectF(0, 0, 375, 600));
+        view()->addSubview(table);
+    }
+    void viewWillAppear(bool animated) override
+    {
+        ViewController::viewWillAppear(animated);
+        log->push_back(name + ".willAppear");
+    }
+    void viewDidAppear(bool animated) override
+    {
+        ViewController::viewDidAppear(animated);
+        log->push_back(name + ".didAppear");
+    }
+    void viewWillDisappear(bool animated) override
+    {
+        ViewController::viewWillDisappear(animated);
+        log->push_back(name + ".willDisappear");
+    }
+    void viewDidDisappear(bool animated) override
+    {
+        ViewController::viewDidDisappear(animated);
+        log->push_back(name + ".didDisappear");
+    }
+
+    std::string name;
+    Log *log;
+    std::string property = "unset";
+    TableView *table = nullptr;
+};
+
+class NavigationTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        window = kittest::shownWindow();
+        home = std::make_shared<Screen>("home", &log);
+        navigation = std::make_shared<NavigationController>(home);
+        window->setRootViewController(navigation);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return navigation->visibleViewController() == home.get(); }));
+        log.clear();
+    }
+
+    bool shows(ViewController *controller)
+    {
+        return testsupport::waitUntil([&] { return navigation->visibleViewController() == controller; });
+    }
+
+    Log log;
+    std::unique_ptr<Window> window;
+    std::shared_ptr<Screen> home;
+    std::shared_ptr<NavigationController> navigation;
+};
+
+TEST_F(NavigationTest, pushedScreenLoadsAfterTheOpenerHasSetItsProperties)
+{
+    auto detail = std::make_shared<Screen>("detail", &log);
+    navigation->pushViewController(detail, true);
+    EXPECT_EQ(navigation->topViewController(), detail.get());
+    EXPECT_EQ(detail->navigationController(), navigation.get());
+    EXPECT_FALSE(detail->isViewLoaded());
+    detail->property = "set";
+    ASSERT_TRUE(shows(detail.get()));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return !navigation->isTransitioning(); }));
+    EXPECT_EQ(log, (Log{"detail.viewDidLoad(set)", "home.willDisappear", "detail.willAppear", "home.didDisappear",
+                        "detail.didAppear"}));
+    EXPECT_EQ(Window::of(home->view()), nullptr);
+    EXPECT_EQ(Window::of(detail->view()), window.get());
+}
+
+TEST_F(NavigationTest, barShowsTitleBackButtonAndItems)
+{
+    auto detail = std::make_shared<Screen>("detail", &log);
+    navigation->pushViewController(detail, false);
+    ASSERT_TRUE(shows(detail.get()));
+    NavigationBar *bar = navigation->navigationBar();
+    EXPECT_EQ(bar->titleLabel()->text(), "detail");
+    EXPECT_TRUE(bar->backButton()->isVisible());
+    EXPECT_TRUE(bar->backButton()->title().contains("home"));
+
+    detail->navigationItem()->setHidesBackButton(true);
+    EXPECT_FALSE(bar->backButton()->isVisible());
+    detail->navigationItem()->setHidesBackButton(false);
+
+    int published = 0;
+    detail->navigationItem()->setRightBarButtonItem(
+        new BarButtonItem("发布", BarButtonItem::Style::Plain, [&] { ++published; }));
+    EXPECT_EQ(bar->rightButton()->title(), "发布");
+    QTest::mouseClick(bar->rightButton(), Qt::LeftButton);
+    EXPECT_EQ(published, 1);
+
+    // A left item, even a blank one without action, takes the back button's place.
+    detail->navigationItem()->setLeftBarButtonItem(new BarButtonItem(""));
+    EXPECT_FALSE(bar->backButton()->isVisible());
+    EXPECT_TRUE(bar->leftButton()->isVisible());
+    QTest::mouseClick(bar->leftButton(), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(navigation->topViewController(), detail.get());
+}
+
+TEST_F(NavigationTest, backButtonPopsAndReleasesTheScreen)
+{
+    auto detail = std::make_shared<Screen>("detail", &log);
+    std::weak_ptr<Screen> watcher = detail;
+    navigation->pushViewController(std::move(detail), false);
+    ASSERT_TRUE(shows(watcher.lock().get()));
+    log.clear();
+    QTest::mouseClick(navigation->navigationBar()->backButton(), Qt::LeftButton);
+    EXPECT_EQ(navigation->topViewController(), home.get());
+    ASSERT_TRUE(shows(home.get()));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return !navigation->isTransitioning(); }));
+    EXPECT_EQ(log, (Log{"detail.willDisappear", "home.willAppear", "detail.didDisappear", "home.didAppear"}));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return watcher.expired(); }));
+}
+
+TEST_F(NavigationTest, poppedScreenHeldElsewhereLivesOnWithoutAWindow)
+{
+    auto composer = std::make_shared<Screen>("composer", &log);
+    navigation->pushViewController(composer, false);
+    ASSERT_TRUE(shows(composer.get()));
+    EXPECT_EQ(navigation->popViewControllerAnimated(false), composer);
+    ASSERT_TRUE(shows(home.get()));
+    EXPECT_EQ(composer->navigationController(), nullptr);
+    EXPECT_EQ(Window::of(composer->view()), nullptr);
+}
+
+TEST_F(NavigationTest, framesAndInsetsFollowTheBar)
+{
+    // Translucent (the default): the view fills the screen, its table starts under the bar.
+    EXPECT_EQ(home->view()->geometry(), QRect(0, 0, 375, 667));
+    EXPECT_EQ(home->table->adjustedContentInset().top, 64);
+    EXPECT_EQ(home->table->contentOffset().y(), -64);
+
+    navigation->navigationBar()->setTranslucent(false);
+    EXPECT_EQ(home->view()->geometry(), QRect(0, 64, 375, 603));
+    EXPECT_EQ(home->table->adjustedContentInset().top, 0);
+    EXPECT_EQ(home->table->contentOffset().y(), 0);
+
+    auto extended = std::make_shared<Screen>("extended", &log);
+    extended->setExtendedLayoutIncludesOpaqueBars(true);
+    navigation->pushViewController(extended, false);
+    ASSERT_TRUE(shows(extended.get()));
+    EXPECT_EQ(extended->view()->geometry(), QRect(0, 0, 375, 667));
+    EXPECT_EQ(extended->table->adjustedContentInset().top, 64);
+
+    navigation->setNavigationBarHidden(true);
+    EXPECT_FALSE(navigation->navigationBar()->isVisible());
+    EXPECT_EQ(extended->view()->geometry(), QRect(0, 0, 375, 667));
+    EXPECT_EQ(extended->table->adjustedContentInset().top, 20);
+}
+
+TEST_F(NavigationTest, presentAndDismissAWholeNavigationController)
+{
+    auto modal = std::make_shared<Screen>("modal", &log);
+    auto modalNavigation = std::make_shared<NavigationController>(modal);
+    bool presented = false;
+    window->rootViewController()->presentViewController(modalNavigation, true, [&] { presented = true; });
+    EXPECT_EQ(navigation->presentedViewController(), modalNavigation.get());
+    ASSERT_TRUE(testsupport::waitUntil([&] { return presented; }));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return modalNavigation->visibleViewController() == modal.get(); }));
+    EXPECT_EQ(modalNavigation->view()->geometry(), QRect(0, 0, 375, 667));
+    EXPECT_EQ(window->topmostViewController(), modalNavigation.get());
+    EXPECT_EQ(log, (Log{"modal.viewDidLoad(unset)", "home.willDisappear", "modal.willAppear", "home.didDisappear",
+                        "modal.didAppear"}));
+
+    // A second presentation from the root stacks on top of the first.
+    auto second = std::make_shared<NavigationController>(std::make_shared<Screen>("second", &log));
+    window->rootViewController()->presentViewController(second, false);
+    EXPECT_EQ(modalNavigation->presentedViewController(), second.get());
+    ASSERT_TRUE(testsupport::waitUntil([&] { return window->topmostViewController() == second.get(); }));
+
+    // A screen whose navigation controller presents something dismisses that first...
+    bool dismissed = false;
+    modal->dismissViewControllerAnimated(false, [&] { dismissed = true; });
+    ASSERT_TRUE(testsupport::waitUntil([&] { return dismissed; }));
+    EXPECT_EQ(modalNavigation->presentedViewController(), nullptr);
+    EXPECT_EQ(window->topmostViewController(), modalNavigation.get());
+
+    // ...and then the presentation it belongs to.
+    log.clear();
+    dismissed = false;
+    modal->dismissViewControllerAnimated(true, [&] { dismissed = true; });
+    ASSERT_TRUE(testsupport::waitUntil([&] { return dismissed; }));
+    EXPECT_EQ(navigation->presentedViewController(), nullptr);
+    EXPECT_EQ(window->topmostViewController(), navigation.get());
+    EXPECT_TRUE(home->view()->isVisible());
+    EXPECT_EQ(Window::of(modal->view()), nullptr);
+    EXPECT_EQ(log, (Log{"modal.willDisappear", "home.willAppear", "modal.didDisappear", "home.didAppear"}));
+}
+
+} // namespace

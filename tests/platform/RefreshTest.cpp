@@ -1,0 +1,138 @@
+// Pull-to-refresh header and footer: states, texts, actions and the room they keep.
+#include "KitTestSupport.h"
+
+#include "EventLoop.h"
+#include "RefreshFooter.h"
+#include "RefreshHeader.h"
+#include "TableView.h"
+#include "TableViewCell.h"
+#include "TableViewDataSource.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class PlainRows : public TableViewDataSource
+{
+public:
+    int rows = 30;
+    int numberOfRowsInSection(TableView *, int) override { return rows; }
+    TableViewCell *cellForRowAtIndexPath(TableView *table, const IndexPath &) override
+    {
+        return table->dequeueReusableCellWithIdentifier("cell");
+    }
+};
+
+class Loader : public QObject
+{
+public:
+    int loads = 0;
+    void load() { ++loads; }
+};
+
+class RefreshTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        window = kittest::shownWindow();
+        table = new TableView(QRectF(0, 0, 375, 600));
+        window->addSubview(table);
+        table->registerClass<TableViewCell>("cell");
+        table->setDataSource(&rows);
+        table->reloadData();
+    }
+
+    PlainRows rows;
+    std::unique_ptr<Window> window;
+    TableView *table = nullptr;
+};
+
+TEST_F(RefreshTest, beginningRunsTheActionOnceUntilEnded)
+{
+    Loader loader;
+    auto *header = new RefreshHeader(&loader, &Loader::load);
+    table->setHeader(header);
+    EXPECT_EQ(header->stateText(), "下拉可以刷新");
+
+    header->beginRefreshing();
+    EXPECT_EQ(loader.loads, 1);
+    EXPECT_TRUE(header->isRefreshing());
+    EXPECT_EQ(header->stateText(), "正在刷新数据中...");
+    EXPECT_EQ(table->adjustedContentInset().top, RefreshHeader::kHeight);
+    header->beginRefreshing();
+    EXPECT_EQ(loader.loads, 1);
+
+    header->endRefreshing();
+    EXPECT_EQ(header->state(), RefreshControl::State::Idle);
+    EXPECT_EQ(table->adjustedContentInset().top, 0);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == 0; }));
+    header->beginRefreshing();
+    EXPECT_EQ(loader.loads, 2);
+}
+
+TEST_F(RefreshTest, targetThatIsGoneIsNotCalled)
+{
+    auto loader = std::make_unique<Loader>();
+    auto *header = new RefreshHeader(loader.get(), &Loader::load);
+    table->setHeader(header);
+    loader.reset();
+    header->beginRefreshing();
+    EXPECT_TRUE(header->isRefreshing());
+}
+
+TEST_F(RefreshTest, pullingDownFarEnoughAndLettingGoRefreshes)
+{
+    int refreshes = 0;
+    table->setHeader(new RefreshHeader([&] { ++refreshes; }));
+    std::vector<RefreshControl::State> states;
+    QObject::connect(table->header(), &RefreshControl::stateChanged,
+                     [&](RefreshControl::State state) { states.push_back(state); });
+
+    // 60 points of pull at half rate is 30: not enough.
+    kittest::drag(table, QPoint(100, 100), QPoint(0, 60));
+    EXPECT_EQ(refreshes, 0);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == 0; }));
+
+    kittest::drag(table, QPoint(100, 100), QPoint(0, 200));
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(states, (std::vector{RefreshControl::State::Pulling, RefreshControl::State::Refreshing}));
+    // It settles with the header in view.
+    EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == -RefreshHeader::kHeight; }));
+    EXPECT_EQ(table->header()->geometry().top(), 0);
+}
+
+TEST_F(RefreshTest, pullingUpPastTheLastRowLoadsMore)
+{
+    int loads = 0;
+    auto *footer = new RefreshFooter([&] { ++loads; });
+    table->setFooter(footer);
+    const qreal bottom = table->maximumContentOffset().y();
+    table->setContentOffset(QPointF(0, bottom));
+    EXPECT_EQ(footer->geometry().top(), 600); // just below the visible area
+    EXPECT_EQ(footer->stateText(), "上拉可以加载更多");
+
+    kittest::drag(table, QPoint(100, 500), QPoint(0, -200));
+    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(footer->stateText(), "正在加载更多的数据...");
+    EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == bottom + RefreshFooter::kHeight; }));
+
+    footer->endRefreshing();
+    EXPECT_EQ(footer->stateText(), "上拉可以加载更多");
+    EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == bottom; }));
+}
+
+TEST_F(RefreshTest, footerBelowShortContentSitsAtTheBottomOfTheView)
+{
+    rows.rows = 2;
+    table->reloadData();
+    auto *footer = new RefreshFooter();
+    table->setFooter(footer);
+    EXPECT_EQ(footer->geometry().top(), 600);
+    int loads = 0;
+    footer->setRefreshingBlock([&] { ++loads; });
+    kittest::drag(table, QPoint(100, 500), QPoint(0, -200));
+    EXPECT_EQ(loads, 1);
+}
+
+} // namespace
