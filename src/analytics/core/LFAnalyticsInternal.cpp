@@ -275,6 +275,8 @@ void LFAnalyticsInternal::stopSession(double duration)
 void LFAnalyticsInternal::saveAndCleanCache()
 {
     QMutexLocker lock(&m_mutex);
+    // A session may end before its start was worked: keep what the file already holds.
+    loadCache();
     if (writeCache(m_memory)) {
         clearMemory();
         m_cacheLoaded = false;

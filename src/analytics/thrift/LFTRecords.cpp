@@ -1,7 +1,5 @@
 #include "LFTRecords.h"
 
-#include "LFTBinaryProtocol.h"
-
 LFT_RECORD_DEFINE(LFTClientStats)
 LFT_RECORD_DEFINE(LFTAppInfo)
 LFT_RECORD_DEFINE(LFTResolution)
@@ -26,30 +24,3 @@ LFT_RECORD_DEFINE(LFTLatent)
 LFT_RECORD_DEFINE(LFTControlPolicy)
 LFT_RECORD_DEFINE(LFTUALogEntry)
 LFT_RECORD_DEFINE(LFTResponse)
-
-template <typename Record> QByteArray LFTEncode(const Record &record)
-{
-    LFTMemoryBuffer buffer;
-    LFTBinaryProtocol protocol(&buffer);
-    record.write(protocol);
-    return buffer.getBuffer();
-}
-
-template <typename Record> Record LFTDecode(const QByteArray &bytes)
-{
-    LFTMemoryBuffer buffer(bytes);
-    LFTBinaryProtocol protocol(&buffer);
-    Record record;
-    record.read(protocol);
-    return record;
-}
-
-#define LFT_CODEC_INSTANCES(Record)                                                                \
-    template QByteArray LFTEncode<Record>(const Record &);                                          \
-    template Record LFTDecode<Record>(const QByteArray &);
-
-LFT_CODEC_INSTANCES(LFTUALogEntry)
-LFT_CODEC_INSTANCES(LFTResponse)
-LFT_CODEC_INSTANCES(LFTImprint)
-LFT_CODEC_INSTANCES(LFTEvent)
-LFT_CODEC_INSTANCES(LFTSession)

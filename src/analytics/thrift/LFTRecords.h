@@ -2,6 +2,7 @@
 // The log records the analytics component sends and the reply it reads, with their field ids,
 // types and required flags. Plain values; any thread.
 
+#include "LFTBinaryProtocol.h"
 #include "LFTRecordCodec.h"
 
 #include <QByteArray>
@@ -270,6 +271,20 @@ class LFTResponse
 };
 
 // Encodes a record into fresh bytes with the binary protocol.
-template <typename Record> QByteArray LFTEncode(const Record &record);
+template <LFTRecordType Record> QByteArray LFTEncode(const Record &record)
+{
+    LFTMemoryBuffer buffer;
+    LFTBinaryProtocol protocol(&buffer);
+    record.write(protocol);
+    return buffer.getBuffer();
+}
+
 // Decodes a record from bytes; throws LFTException on malformed data.
-template <typename Record> Record LFTDecode(const QByteArray &bytes);
+template <LFTRecordType Record> Record LFTDecode(const QByteArray &bytes)
+{
+    LFTMemoryBuffer buffer(bytes);
+    LFTBinaryProtocol protocol(&buffer);
+    Record record;
+    record.read(protocol);
+    return record;
+}
