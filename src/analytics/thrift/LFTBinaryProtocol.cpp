@@ -46,13 +46,11 @@ void LFTBinaryProtocol::writeString(const QString &value)
         return;
     }
     // Encode straight into the buffer behind a length slot, then fill the slot.
-    QByteArray &out = m_memory->storage();
-    const qsizetype start = out.size();
-    out.resize(start + 4 + m_encoder.requiredSpace(value.size()));
-    char *text = out.data() + start + 4;
+    char *slot = m_memory->writeCursor(4 + m_encoder.requiredSpace(value.size()));
+    char *text = slot + 4;
     const qsizetype length = m_encoder.appendToBuffer(text, value) - text;
-    qToBigEndian(int32_t(length), out.data() + start);
-    out.resize(start + 4 + length);
+    qToBigEndian(int32_t(length), slot);
+    m_memory->commitWrite(4 + length);
 }
 
 void LFTBinaryProtocol::writeBinary(const QByteArray &value)

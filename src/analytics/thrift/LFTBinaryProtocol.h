@@ -100,13 +100,20 @@ private:
 
     void putBytes(const char *data, qsizetype length)
     {
-        if (m_memory)
-            m_memory->storage().append(data, length);
-        else
+        if (m_memory) {
+            std::memcpy(m_memory->writeCursor(length), data, size_t(length));
+            m_memory->commitWrite(length);
+        } else {
             m_transport->write(reinterpret_cast<const uint8_t *>(data), 0, length);
+        }
     }
     template <typename T> void putBigEndian(T value)
     {
+        if (m_memory) {
+            qToBigEndian(value, m_memory->writeCursor(sizeof(T)));
+            m_memory->commitWrite(sizeof(T));
+            return;
+        }
         char bytes[sizeof(T)];
         qToBigEndian(value, bytes);
         putBytes(bytes, sizeof(T));

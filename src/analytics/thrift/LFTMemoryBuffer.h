@@ -1,6 +1,7 @@
 #pragma once
 // An in-memory transport: writes append, reads consume from the front. Used on one thread at
-// a time.
+// a time. Writes go through a raw cursor into spare capacity, so a value costs a bounds check
+// and a copy, not a container call.
 
 #include "LFTException.h"
 #include "LFTTransport.h"
@@ -16,7 +17,7 @@ public:
     static constexpr qsizetype kGarbageSize = 4096;
 
     LFTMemoryBuffer() = default;
-    explicit LFTMemoryBuffer(const QByteArray &data) : m_buffer(data) {}
+    explicit LFTMemoryBuffer(const QByteArray &data) : m_buffer(data), m_end(data.size()) {}
 
     void readAll(uint8_t *buffer, qsizetype offset, qsizetype length) override
     {
@@ -25,32 +26,59 @@ public:
     }
     void write(const uint8_t *data, qsizetype offset, qsizetype length) override
     {
-        m_buffer.append(reinterpret_cast<const char *>(data) + offset, length);
+        std::memcpy(writeCursor(length), data + offset, size_t(length));
+        commitWrite(length);
     }
     void flush() override {}
 
     // The bytes held: everything written, less what reads have already dropped.
-    QByteArray getBuffer() const { return m_buffer; }
+    QByteArray getBuffer() const
+    {
+        m_buffer.truncate(m_end);
+        m_writeBase = nullptr;   // the caller may now share the bytes
+        return m_front == 0 ? m_buffer : m_buffer.sliced(m_front);
+    }
 
     // Direct access for the binary protocol: look at the next bytes, then consume them.
     const char *peek(qsizetype length) const
     {
-        if (length < 0 || m_buffer.size() - m_offset < length)
+        if (length < 0 || remaining() < length)
             throw LFTTransportException(QStringLiteral("Not enough bytes remain in buffer"));
-        return m_buffer.constData() + m_offset;
+        return m_buffer.constData() + m_front + m_offset;
     }
     void advance(qsizetype length)
     {
         m_offset += length;
         if (m_offset >= kGarbageSize) {
-            m_buffer.remove(0, m_offset);
+            // Dropping is logical: the storage may be shared with the caller's bytes.
+            m_front += m_offset;
             m_offset = 0;
         }
     }
-    qsizetype remaining() const { return m_buffer.size() - m_offset; }
-    QByteArray &storage() { return m_buffer; }
+    qsizetype remaining() const { return m_end - m_front - m_offset; }
+
+    // Room for `length` more bytes at the end; commitWrite says how many were used.
+    char *writeCursor(qsizetype length)
+    {
+        if (!m_writeBase || m_end + length > m_capacity)
+            grow(length);
+        return m_writeBase + m_end;
+    }
+    void commitWrite(qsizetype length) { m_end += length; }
 
 private:
-    QByteArray m_buffer;
-    qsizetype m_offset = 0;
+    void grow(qsizetype length)
+    {
+        const qsizetype needed = m_end + length;
+        m_buffer.resize(std::max<qsizetype>({needed, m_capacity * 2, 1024}));
+        m_capacity = m_buffer.size();
+        m_writeBase = m_buffer.data();
+    }
+
+    mutable QByteArray m_buffer;          // holds m_end bytes, then spare capacity
+    mutable char *m_writeBase = nullptr;  // valid only while m_buffer is not shared
+    qsizetype m_capacity = 0;
+    qsizetype m_end = 0;
+    qsizetype m_front = 0;                // bytes dropped by reads
+    qsizetype m_offset = 0;               // read position after m_front
 };
