@@ -85,11 +85,18 @@ TEST_F(TextViewTest, returnKeyBackspaceAndSelectionArriveAsReplacements)
     EXPECT_EQ(textView->text(), "hEo");
 }
 
-TEST_F(TextViewTest, pasteAndInputMethodCommitAreOfferedWhole)
+TEST_F(TextViewTest, pasteGoesInWholeAndInputMethodCommitIsOfferedWhole)
 {
+    // A paste is not offered to should-change, even past the delegate's limit; did-change
+    // reports it.
+    recorder.limit = 3;
+    const std::size_t askedBefore = recorder.asked.size();
     QGuiApplication::clipboard()->setText("粘贴的文字");
-    QTest::keySequence(textView->inputWidget(), QKeySequence::Paste);
-    EXPECT_EQ(recorder.asked.back(), (Edit{{0, 0}, "粘贴的文字"}));
+    QTest::keyClick(textView->inputWidget(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(recorder.asked.size(), askedBefore);
+    EXPECT_EQ(textView->text(), "粘贴的文字");
+    EXPECT_EQ(recorder.events.back(), "change");
+    recorder.limit = 100;
 
     QInputMethodEvent composing("ni", {});
     QCoreApplication::sendEvent(textView->inputWidget(), &composing);
@@ -97,6 +104,7 @@ TEST_F(TextViewTest, pasteAndInputMethodCommitAreOfferedWhole)
     QInputMethodEvent commit;
     commit.setCommitString("你好");
     QCoreApplication::sendEvent(textView->inputWidget(), &commit);
+    ASSERT_EQ(recorder.asked.size(), askedBefore + 1);
     EXPECT_EQ(recorder.asked.back(), (Edit{{5, 0}, "你好"}));
     EXPECT_EQ(textView->text(), "粘贴的文字你好");
 

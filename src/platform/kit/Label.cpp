@@ -80,7 +80,10 @@ QStringList Label::linesForSize(const QSizeF &size) const
     const int fitting = qMax(1, int(std::floor(size.height() / metrics.lineSpacing())));
     const int limit = m_numberOfLines == 0 ? fitting : qMin(m_numberOfLines, fitting);
 
-    QTextLayout layout(m_text, m_font);
+    // QTextLayout breaks lines only at U+2028, so hard line breaks are turned into that.
+    QString text = m_text;
+    text.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
+    QTextLayout layout(text, m_font);
     QTextOption option;
     option.setWrapMode(m_lineBreakMode == LineBreakMode::ByCharWrapping ? QTextOption::WrapAnywhere
                                                                         : QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -97,7 +100,7 @@ QStringList Label::linesForSize(const QSizeF &size) const
             cut = true;
             break;
         }
-        lines << m_text.mid(line.textStart(), line.textLength());
+        lines << text.mid(line.textStart(), line.textLength());
     }
     layout.endLayout();
 

@@ -86,15 +86,26 @@ void TextView::paste()
 {
     const QString pasted = QGuiApplication::clipboard()->text();
     if (!pasted.isEmpty())
-        replaceRange(selectedRange(), pasted);
+        insertPasted(pasted);
+}
+
+void TextView::insertPasted(const QString &text)
+{
+    if (m_editable)
+        applyChange(selectedRange(), text, false);
 }
 
 bool TextView::replaceRange(const Range &range, const QString &replacement)
 {
+    return applyChange(range, replacement, true);
+}
+
+bool TextView::applyChange(const Range &range, const QString &replacement, bool askDelegate)
+{
     const qsizetype length = text().size();
     Range clamped{qBound<qsizetype>(0, range.location, length), 0};
     clamped.length = qBound<qsizetype>(0, range.length, length - clamped.location);
-    if (m_delegate && !m_delegate->shouldChangeTextInRange(this, clamped, replacement))
+    if (askDelegate && m_delegate && !m_delegate->shouldChangeTextInRange(this, clamped, replacement))
         return false;
     // The delegate may have changed the text while deciding.
     const qsizetype lengthNow = text().size();

@@ -38,8 +38,11 @@ public:
     void setSelectedRange(const Range &range);
     // Types `text` at the selection, through the delegate.
     void insertText(const QString &text);
-    // Pastes the clipboard's text at the selection, through the delegate.
+    // Pastes the clipboard's text at the selection. Pasted (and dropped) text goes in whole
+    // and is reported through did-change only, as the phone does: a delegate that limits
+    // the length trims pastes there.
     void paste();
+    void insertPasted(const QString &text);
     // Offers replacing `range` with `text` to the delegate and applies it when allowed.
     bool replaceRange(const Range &range, const QString &text);
 
@@ -58,6 +61,7 @@ protected:
 
 private:
     friend class TextViewEditor;
+    bool applyChange(const Range &range, const QString &replacement, bool askDelegate);
     void resign(bool handingOver);
 
     TextViewEditor *m_editor;

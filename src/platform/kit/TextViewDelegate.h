@@ -1,7 +1,8 @@
 #pragma once
-// What a text view asks of and tells its delegate. Every edit (typing, the return key as "\n",
-// backspace as an empty replacement, paste, input method commit, insertText) is offered to
-// shouldChangeTextInRange first and dropped when it answers false. Main thread.
+// What a text view asks of and tells its delegate. Every typed edit (keys, the return key as
+// "\n", backspace as an empty replacement, input method commit, insertText) is offered to
+// shouldChangeTextInRange first and dropped when it answers false. Pasted and dropped text
+// goes in whole and is reported by textViewDidChange only. Main thread.
 
 #include "Range.h"
 

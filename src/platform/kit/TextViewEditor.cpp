@@ -26,6 +26,21 @@ bool isNavigationOrCopy(QKeyEvent *event)
     }
 }
 
+// The platform theme's bindings first; the usual keys also when a headless theme has none.
+bool isPaste(QKeyEvent *event)
+{
+    return event->matches(QKeySequence::Paste) || event->key() == Qt::Key_Paste
+        || (event->key() == Qt::Key_V && event->modifiers() == Qt::ControlModifier)
+        || (event->key() == Qt::Key_Insert && event->modifiers() == Qt::ShiftModifier);
+}
+
+bool isCut(QKeyEvent *event)
+{
+    return event->matches(QKeySequence::Cut) || event->key() == Qt::Key_Cut
+        || (event->key() == Qt::Key_X && event->modifiers() == Qt::ControlModifier)
+        || (event->key() == Qt::Key_Delete && event->modifiers() == Qt::ShiftModifier);
+}
+
 bool isTypedText(const QString &text)
 {
     if (text.isEmpty())
@@ -41,6 +56,9 @@ bool isTypedText(const QString &text)
 TextViewEditor::TextViewEditor(TextView *owner) : QPlainTextEdit(owner), m_owner(owner)
 {
     setFrameShape(QFrame::NoFrame);
+    // Only a click (or becomeFirstResponder) gives it focus: a window being activated must
+    // not make a text view first responder and raise the keyboard.
+    setFocusPolicy(Qt::ClickFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setUndoRedoEnabled(false); // an undo would change the text behind the delegate's back
@@ -84,9 +102,9 @@ void TextViewEditor::keyPressEvent(QKeyEvent *event)
     event->accept();
     if (!m_owner->isEditable())
         return;
-    if (event->matches(QKeySequence::Paste)) {
+    if (isPaste(event)) {
         m_owner->paste();
-    } else if (event->matches(QKeySequence::Cut)) {
+    } else if (isCut(event)) {
         if (textCursor().hasSelection()) {
             copy();
             m_owner->replaceRange(selectionOrCursor(), QString());
@@ -125,8 +143,10 @@ bool TextViewEditor::canInsertFromMimeData(const QMimeData *source) const
 
 void TextViewEditor::insertFromMimeData(const QMimeData *source)
 {
-    if (m_owner->isEditable() && source->hasText())
-        m_owner->replaceRange(selectionOrCursor(), source->text());
+    if (m_owner->isEditable() && source->hasText()) {
+        m_owner->setSelectedRange(selectionOrCursor());
+        m_owner->insertPasted(source->text());
+    }
 }
 
 void TextViewEditor::focusInEvent(QFocusEvent *event)
