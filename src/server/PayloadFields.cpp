@@ -71,6 +71,14 @@ QString PayloadFields::text(const char *key)
     return QString();
 }
 
+std::optional<QString> PayloadFields::optionalText(const char *key)
+{
+    const QJsonValue value = m_payload.value(QLatin1String(key));
+    if (value.isUndefined() || value.isNull())
+        return std::nullopt;
+    return text(key);
+}
+
 void PayloadFields::requireArray(const char *key)
 {
     if (!m_payload.value(QLatin1String(key)).isArray())

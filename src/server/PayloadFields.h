@@ -21,6 +21,8 @@ public:
     // Absent or null is fine; anything present must be a whole number.
     std::optional<qint64> optionalInteger(const char *key);
     QString text(const char *key);
+    // A string, or null or absent (a record field the client never had).
+    std::optional<QString> optionalText(const char *key);
     void requireArray(const char *key);
 
     bool ok() const { return m_error.isEmpty(); }

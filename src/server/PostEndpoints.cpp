@@ -117,7 +117,7 @@ EndpointAnswer PostEndpoints::replyTopic(const QJsonObject &payload)
     const QString content = fields.text("content");
     fields.requireArray("imgs");
     fields.integer("pid");
-    fields.text("title");
+    fields.optionalText("title");
     if (!fields.ok())
         return EndpointAnswer::rejected(fields.error());
 

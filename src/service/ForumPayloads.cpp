@@ -8,11 +8,13 @@ namespace {
 
 constexpr int kNoParentPost = -1;
 
+// A field copied from a record the server never filled goes out as null, so every payload
+// keeps its whole key set.
 QJsonObject withDevicePair(std::initializer_list<std::pair<QString, QJsonValue>> fields)
 {
     QJsonObject payload = ForumPayloads::devicePair();
     for (const auto &[key, value] : fields)
-        payload.insert(key, value);
+        payload.insert(key, value.isUndefined() ? QJsonValue(QJsonValue::Null) : value);
     return payload;
 }
 

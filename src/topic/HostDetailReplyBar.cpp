@@ -87,6 +87,11 @@ void HostDetailViewController::buildReplyBar()
     connect(&keyboard, &KeyboardObserver::keyboardWillHide, this, &HostDetailViewController::keyboardWillHide);
 }
 
+bool HostDetailViewController::barIsAlive() const
+{
+    return m_tableView && m_replyTextView && m_replyImage && m_sender && m_textlabel;
+}
+
 void HostDetailViewController::resetPlaceholder()
 {
     m_textlabel->setFrame(kPlaceholderFrame);
@@ -131,6 +136,8 @@ void HostDetailViewController::textViewDidChange(TextView *textView)
 
 void HostDetailViewController::keyboardWillShow(const KeyboardNotification &notification)
 {
+    if (!barIsAlive())
+        return;
     const qreal W = screenW();
     const qreal top = screenH() - kAboveKeyboard - notification.frameEnd.height();
     height = notification.frameEnd.height();
@@ -143,6 +150,8 @@ void HostDetailViewController::keyboardWillShow(const KeyboardNotification &noti
 
 void HostDetailViewController::keyboardWillHide(const KeyboardNotification &)
 {
+    if (!barIsAlive())
+        return;
     const qreal W = screenW();
     const qreal H = screenH();
     m_tableView->setFrame(QRectF(0, 0, W, view()->frame().height() - TopicStyle::kReplyBarHeight));
@@ -192,12 +201,16 @@ void HostDetailViewController::handleAction()
     m_tableView->header()->beginRefreshing();
     titels.clear();
     dataSource.clear();
+    // The table must not ask for rows the emptied lists no longer hold when the keyboard's
+    // going resizes it.
+    m_tableView->reloadData();
     m_replyTextView->resignFirstResponder();
     if (result == kOpenedFromBanner)
         reply();
     else
         replyJson();
-    jsonDiction();
+    // The second reload follows the reply's answer (replyTopic): sent now, it could reach
+    // the server before the reply does and miss it.
     m_replyTextView->setText(QString());
 }
 
@@ -230,6 +243,7 @@ void HostDetailViewController::replyTopic()
             controller->showNotice(succeeded ? kReplyNotice : kRefusedNotice);
             controller->m_tableView->reloadData();
             controller->endRefresh();
+            controller->jsonDiction();
         },
         {}, replyString);
 }

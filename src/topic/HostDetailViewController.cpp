@@ -8,6 +8,7 @@
 #include "HostCell.h"
 #include "HttpRequest.h"
 #include "JsonChangDic.h"
+#include "KeyboardObserver.h"
 #include "Label.h"
 #include "MainScreen.h"
 #include "NavigationController.h"
@@ -37,6 +38,13 @@ QColor hexColor(const char *hex)
 } // namespace
 
 HostDetailViewController::HostDetailViewController() = default;
+
+HostDetailViewController::~HostDetailViewController()
+{
+    // The base class deletes the view after this object's members are gone; the reply box
+    // going with it posts a keyboard will-hide that must not reach this screen any more.
+    disconnect(&KeyboardObserver::shared(), nullptr, this, nullptr);
+}
 
 std::shared_ptr<HostDetailViewController> HostDetailViewController::self()
 {

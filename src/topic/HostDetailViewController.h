@@ -19,12 +19,12 @@
 #include <QPointer>
 #include <QStringList>
 
-class Button;
-class HeadView;
-class ImageView;
-class Label;
-class TableView;
-class TextView;
+#include "Button.h"
+#include "HeadView.h"
+#include "ImageView.h"
+#include "Label.h"
+#include "TableView.h"
+#include "TextView.h"
 struct KeyboardNotification;
 
 class HostDetailViewController : public ViewController,
@@ -40,6 +40,7 @@ public:
     static constexpr qint64 kOpenedFromBanner = 120;
 
     HostDetailViewController();
+    ~HostDetailViewController() override;
 
     // Set by the opener before the screen is shown.
     ListModel model;
@@ -60,6 +61,8 @@ public:
     qreal height = 0;                 // topic body height, then the keyboard's height
     qreal titleH = 0;
 
+    // The views live in the screen's view, which its navigation controller may take down
+    // before this object; hence the guarded pointers.
     HeadView *headV() const { return m_headV; }
     TableView *tableView() const { return m_tableView; }
     Label *label() const { return m_label; }
@@ -115,16 +118,18 @@ private:
     void buildReplyBar();
     void replaceHeadView(const QString &title, const QString &time, const QString &content);
     void resetPlaceholder();
+    // The keyboard can come and go while the screen's views are being taken down.
+    bool barIsAlive() const;
     void showNotice(const QString &text);
     // The board-path and banner-path reply requests differ only in `tid` and `title`.
     void buildReply(const QJsonValue &replyTid, const QJsonValue &title);
 
-    HeadView *m_headV = nullptr;
-    TableView *m_tableView = nullptr;
-    Label *m_label = nullptr;
-    ImageView *m_replyImage = nullptr;
-    TextView *m_replyTextView = nullptr;
-    Button *m_textlabel = nullptr;
-    Button *m_sender = nullptr;
+    QPointer<HeadView> m_headV;
+    QPointer<TableView> m_tableView;
+    QPointer<Label> m_label;
+    QPointer<ImageView> m_replyImage;
+    QPointer<TextView> m_replyTextView;
+    QPointer<Button> m_textlabel;
+    QPointer<Button> m_sender;
     QPointer<NoticeOverlay> m_hu;
 };

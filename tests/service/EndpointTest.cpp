@@ -152,6 +152,12 @@ TEST(Endpoints, PayloadValuesFollowTheRecordsAndFixedRules)
     EXPECT_EQ(toPoster.value(QStringLiteral("pid")), -1);
     EXPECT_EQ(toPoster.value(QStringLiteral("imgs")), QJsonArray());
 
+    // Fields a record never received still go out, as null.
+    const QJsonObject bare = ForumPayloads::reply(ListModel(), PostModel().tid(), PostModel().title(), 0, QStringLiteral("x"));
+    EXPECT_TRUE(bare.value(QStringLiteral("title")).isNull());
+    EXPECT_TRUE(bare.value(QStringLiteral("sectionid")).isNull());
+    EXPECT_EQ(bare.size(), 9);
+
     // Identifiers travel as they arrived: a string id stays a string.
     const ListModel odd = ListModel::fromJson(QJsonObject{{QStringLiteral("sectionid"), QStringLiteral("3")}});
     EXPECT_EQ(ForumPayloads::topTopic(odd).value(QStringLiteral("sectionid")), QStringLiteral("3"));

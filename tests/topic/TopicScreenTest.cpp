@@ -1,0 +1,206 @@
+// The topic screen against the project's forum server: what it loads, how it splits and
+// shows replies, and how it reloads and closes.
+
+#include "TopicScreenSupport.h"
+
+#include "BarButtonItem.h"
+#include "FieldValue.h"
+#include "ForumPayloads.h"
+#include "HeadView.h"
+#include "HostCell.h"
+#include "HttpRequest.h"
+#include "JsonChangDic.h"
+#include "LocalForumServer.h"
+#include "MainScreen.h"
+#include "NavigationItem.h"
+#include "ServiceConfig.h"
+#include "TextView.h"
+#include "UIColorAdd.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+using namespace topictest;
+using Demo = LocalForumServer::Demo;
+
+namespace {
+
+class TopicScreenTest : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite() { s_server = new LocalForumServer({QStringLiteral("--post-interval"), QStringLiteral("0")}); }
+    static void TearDownTestSuite()
+    {
+        delete s_server;
+        s_server = nullptr;
+    }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(s_server->isRunning()) << s_server->errorString().toStdString();
+        ServiceConfig::setApiRoot(s_server->apiRoot());
+    }
+    void TearDown() override { ServiceConfig::setApiRoot({}); }
+
+    // Writes a new topic on board 1 and returns its id (the newest topic of page 1).
+    qint64 postFreshTopic(const QString &title)
+    {
+        const ListModel board = ListModel::fromJson(QJsonObject{{QStringLiteral("sectionid"), Demo::kBoardId},
+                                                                {QStringLiteral("tagid"), Demo::kBoardTagId}});
+        bool posted = false;
+        HttpRequest::GetWriteTopicSuccessBlock(
+            [&posted](const HttpTask &, const QJsonValue &) { posted = true; }, {},
+            JsonChangDic::jsonWithDictionary(ForumPayloads::writeTopic(board, 7, title, QStringLiteral("正文"))));
+        EXPECT_TRUE(testsupport::waitUntil([&posted] { return posted; }));
+        qint64 tid = 0;
+        HttpRequest::GetTopicsSuccessBlock(
+            [&tid](const HttpTask &, const QJsonValue &topics) {
+                tid = FieldValue::integerValue(topics.toArray().first().toObject().value(QStringLiteral("tid")));
+            },
+            {}, JsonChangDic::jsonWithDictionary(ForumPayloads::topics(board, 1)));
+        EXPECT_TRUE(testsupport::waitUntil([&tid] { return tid != 0; }));
+        return tid;
+    }
+
+    static LocalForumServer *s_server;
+    Window window;
+};
+
+LocalForumServer *TopicScreenTest::s_server = nullptr;
+
+} // namespace
+
+TEST_F(TopicScreenTest, ShowsAtMostFiftyRepliesSplitIntoHighlightedAndAll)
+{
+    auto screen = makeScreen(Demo::kManyRepliesTopicId, Demo::kManyRepliesSectionId);
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+
+    EXPECT_EQ(screen->titels.size(), Demo::kManyRepliesHighlighted);
+    EXPECT_EQ(screen->dataSource.size(), Demo::kManyRepliesFirstPageOrdinary);
+    TableView *table = screen->tableView();
+    EXPECT_EQ(table->numberOfSections(), 3);
+    EXPECT_EQ(table->numberOfRowsInSection(0), Demo::kManyRepliesHighlighted);
+    EXPECT_EQ(table->numberOfRowsInSection(1), Demo::kManyRepliesFirstPageOrdinary);
+    EXPECT_EQ(table->numberOfRowsInSection(2), 0);
+    EXPECT_EQ(sectionHeaderText(screen, 0), QStringLiteral("精彩回复"));
+    // Only the ordinary replies are counted.
+    EXPECT_EQ(sectionHeaderText(screen, 1), QStringLiteral("全部回复(%1)").arg(Demo::kManyRepliesFirstPageOrdinary));
+
+    auto *first = dynamic_cast<HostCell *>(table->cellForRowAtIndexPath({0, 0}));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->user()->text(), FieldValue::displayText(screen->titels.first().username()));
+    EXPECT_EQ(first->content()->text(), FieldValue::displayText(screen->titels.first().content()));
+}
+
+TEST_F(TopicScreenTest, HeaderShowsTheAnswerWithTheOpenersPoster)
+{
+    auto screen = makeScreen(Demo::kManyRepliesTopicId, Demo::kManyRepliesSectionId, QStringLiteral("带来记录的人"));
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+
+    HeadView *head = screen->headV();
+    EXPECT_EQ(screen->tableView()->tableHeaderView(), head);
+    EXPECT_TRUE(head->title()->text().startsWith(QStringLiteral("【")));
+    EXPECT_FALSE(head->time()->text().isEmpty());
+    EXPECT_FALSE(head->content()->text().isEmpty());
+    EXPECT_EQ(head->user()->text(), QStringLiteral("带来记录的人"));
+    EXPECT_DOUBLE_EQ(head->frame().height(), screen->height + 102 + screen->titleH);
+    EXPECT_EQ(screen->title(), QStringLiteral("详情"));
+}
+
+TEST_F(TopicScreenTest, TopicWithoutRepliesShowsEmptySectionsAndTheEndMarker)
+{
+    const qint64 tid = postFreshTopic(QStringLiteral("还没有人回复"));
+    auto screen = makeScreen(tid, Demo::kBoardId);
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+
+    TableView *table = screen->tableView();
+    EXPECT_EQ(table->numberOfRowsInSection(0), 0);
+    EXPECT_EQ(table->numberOfRowsInSection(1), 0);
+    EXPECT_EQ(sectionHeaderText(screen, 1), QStringLiteral("全部回复(0)"));
+    const std::unique_ptr<QWidget> end(screen->viewForHeaderInSection(table, 2));
+    ASSERT_NE(screen->label(), nullptr);
+    EXPECT_EQ(screen->label()->text(), QStringLiteral("END"));
+    EXPECT_EQ(screen->label()->textColor(), UIColorAdd::colorWithHexString(QStringLiteral("b2b4b6")));
+    EXPECT_EQ(screen->label()->frame(), QRectF((MainScreen::width() - 40) * 0.5, 15, 40, 15));
+    EXPECT_EQ(screen->headV()->title()->text(), QStringLiteral("还没有人回复"));
+}
+
+TEST_F(TopicScreenTest, EveryAppearanceReloadsTopicAndReplies)
+{
+    auto screen = makeScreen(Demo::kNewestTopicId, Demo::kBoardId);
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+    const int detailsBefore = requestCount(s_server->log(), "TopicDetail");
+    const int repliesBefore = requestCount(s_server->log(), "RepliesLog");
+
+    NavigationController *navigation = screen->navigationController();
+    navigation->pushViewController(std::make_shared<ViewController>(), false);
+    ASSERT_TRUE(testsupport::waitUntil([navigation] { return !navigation->isTransitioning(); }));
+    navigation->popViewControllerAnimated(false);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return requestCount(s_server->log(), "RepliesLog") > repliesBefore; }));
+    ASSERT_TRUE(waitUntilLoaded(screen));
+
+    EXPECT_EQ(requestCount(s_server->log(), "TopicDetail"), detailsBefore + 1);
+    EXPECT_EQ(requestCount(s_server->log(), "RepliesLog"), repliesBefore + 1);
+    EXPECT_EQ(screen->page, 3);
+}
+
+TEST_F(TopicScreenTest, OpenedFromANotificationItOffersBackThatDismisses)
+{
+    auto root = std::make_shared<NavigationController>(std::make_shared<ViewController>());
+    window.setRootViewController(root);
+    window.makeKeyAndVisible();
+
+    auto screen = makeScreen(Demo::kNewestTopicId, Demo::kBoardId);
+    screen->result = HostDetailViewController::kOpenedFromNotification;
+    root->presentViewController(std::make_shared<NavigationController>(screen), true);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+
+    BarButtonItem *back = screen->navigationItem()->leftBarButtonItem();
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->title(), QStringLiteral("返回"));
+    back->trigger();
+    EXPECT_TRUE(testsupport::waitUntil([&root] { return root->presentedViewController() == nullptr; }));
+}
+
+TEST_F(TopicScreenTest, OtherOpenersGetNoBackItemOfTheirOwn)
+{
+    auto screen = makeScreen(Demo::kNewestTopicId, Demo::kBoardId);
+    screen->result = HostDetailViewController::kOpenedFromBanner;
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+    EXPECT_EQ(screen->navigationItem()->leftBarButtonItem(), nullptr);
+}
+
+TEST_F(TopicScreenTest, EveryRowTakesTheHeightOfTheLastRecordHandedOut)
+{
+    auto screen = makeScreen(Demo::kManyRepliesTopicId, Demo::kManyRepliesSectionId);
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+
+    TableView *table = screen->tableView();
+    const qreal expected =
+        JsonChangDic::adaptiveWithText(FieldValue::optionalText(screen->replyListModel.content())) + 50;
+    EXPECT_DOUBLE_EQ(screen->heightForRowAtIndexPath(table, {0, 0}), expected);
+    EXPECT_DOUBLE_EQ(screen->heightForRowAtIndexPath(table, {1, 5}), expected);
+    EXPECT_EQ(screen->heightForHeaderInSection(table, 1), 46);
+    EXPECT_EQ(screen->heightForFooterInSection(table, 2), 1);
+}
+
+TEST_F(TopicScreenTest, UnreachableServerLeavesTheScreenAsItWasAndStillRefreshing)
+{
+    ServiceConfig::setApiRoot(QStringLiteral("http://127.0.0.1:1/api/"));
+    auto screen = makeScreen(Demo::kNewestTopicId, Demo::kBoardId);
+    show(window, screen);
+    ASSERT_TRUE(testsupport::waitUntil([&screen] {
+        return screen->isViewLoaded() && screen->page >= 2 && HttpSessionManager::requestsInFlight() == 0;
+    }));
+    EXPECT_TRUE(screen->tableView()->header()->isRefreshing());
+    EXPECT_TRUE(screen->titels.isEmpty());
+    EXPECT_TRUE(screen->dataSource.isEmpty());
+}
