@@ -1,5 +1,5 @@
 // Feeds arbitrary bytes to the record decoders: every input must end in a decoded record or an
-// LFTException, and a decoded record must encode and decode to itself.
+// LFTException, and a decoded record's encoding must survive a decode unchanged.
 
 #include "LFTRecords.h"
 
@@ -15,7 +15,9 @@ template <typename Record> void roundTrip(const QByteArray &bytes)
     } catch (const LFTException &) {
         return;
     }
-    if (!(LFTDecode<Record>(LFTEncode(record)) == record))
+    // Compared as bytes: a NaN read from the input never equals itself as a value.
+    const QByteArray encoded = LFTEncode(record);
+    if (LFTEncode(LFTDecode<Record>(encoded)) != encoded)
         std::abort();
 }
 } // namespace

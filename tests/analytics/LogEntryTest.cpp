@@ -11,7 +11,7 @@ TEST_F(LogEntryTest, EntryCarriesAppDeviceAndStats)
     start();
     context->internal().setWrapperType(QStringLiteral("qml"));
     config().setConfigure(3, QStringLiteral("lfSuccessfulRequests"));
-    context->dispatch().send(QStringList{QStringLiteral("qq"), QStringLiteral("u9")}, LFDispatchProfileSignIn);
+    context->dispatch().send(QStringList{QStringLiteral("qq"), QStringLiteral("u9")}, LFEventTypeProfileSignIn);
     drain();
 
     const LFTUALogEntry entry = LFTDecode<LFTUALogEntry>(thrift().toData());

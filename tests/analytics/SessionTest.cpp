@@ -136,7 +136,7 @@ TEST_F(SessionTest, ProfileSignInAndSignOffSplitTheSession)
     start();
     const QString first = internal().sessionId();
     clock->advance(50);
-    context->dispatch().send(QStringList{QStringLiteral("weibo"), QStringLiteral("u1")}, LFDispatchProfileSignIn);
+    context->dispatch().send(QStringList{QStringLiteral("weibo"), QStringLiteral("u1")}, LFEventTypeProfileSignIn);
     drain();
     EXPECT_EQ(envelopes.size(), 1);
     EXPECT_NE(internal().sessionId(), first);
@@ -145,12 +145,12 @@ TEST_F(SessionTest, ProfileSignInAndSignOffSplitTheSession)
     EXPECT_FALSE(internal().hasDataInMemory());   // handed to the envelope
 
     const QString second = internal().sessionId();
-    context->dispatch().send(QStringList{QStringLiteral("weibo"), QStringLiteral("u1")}, LFDispatchProfileSignIn);
+    context->dispatch().send(QStringList{QStringLiteral("weibo"), QStringLiteral("u1")}, LFEventTypeProfileSignIn);
     drain();
     EXPECT_EQ(internal().sessionId(), second);
     EXPECT_EQ(envelopes.size(), 1);
 
-    context->dispatch().send({}, LFDispatchProfileSignOff);
+    context->dispatch().send({}, LFEventTypeProfileSignOff);
     drain();
     EXPECT_EQ(envelopes.size(), 2);
     EXPECT_NE(internal().sessionId(), second);

@@ -98,10 +98,10 @@ void LFAnalytics::profileSignInWithPUID(const QString &puid, const QString &prov
 {
     if (puid.trimmed().isEmpty())
         return;
-    component().dispatch().send(QStringList{provider, puid}, LFDispatchProfileSignIn);
+    component().dispatch().send(QStringList{provider, puid}, LFEventTypeProfileSignIn);
 }
 
-void LFAnalytics::profileSignOff() { component().dispatch().send({}, LFDispatchProfileSignOff); }
+void LFAnalytics::profileSignOff() { component().dispatch().send({}, LFEventTypeProfileSignOff); }
 
 void LFAnalytics::setWrapperType(const QString &wrapperType) { component().internal().setWrapperType(wrapperType); }
 void LFAnalytics::setWrapperVersion(const QString &wrapperVersion) { component().internal().setWrapperVersion(wrapperVersion); }

@@ -104,7 +104,7 @@ void LFAnalyticsEvent::event(const QString &eventId, const QString &label, int a
     LFANEvent event = plainEvent(eventId, label);
     event.acc = acc;
     event.du = durationMs;
-    m_context.dispatch().send(std::move(event), LFDispatchEvent);
+    m_context.dispatch().send(std::move(event), LFEventTypePlainEvent);
 }
 
 void LFAnalyticsEvent::event(const QString &eventId, const QVariantMap &attributes,
@@ -121,7 +121,7 @@ void LFAnalyticsEvent::event(const QString &eventId, const QVariantMap &attribut
     event.values = *values;
     event.du = durationMs >= 1 ? durationMs : 0;
     event.kind = kind;
-    m_context.dispatch().send(std::move(event), LFDispatchEkv);
+    m_context.dispatch().send(std::move(event), LFEventTypeEkv);
 }
 
 void LFAnalyticsEvent::eventAttributesCounter(const QString &eventId, const QVariantMap &attributes,
@@ -135,13 +135,13 @@ void LFAnalyticsEvent::eventAttributesCounter(const QString &eventId, const QVar
 void LFAnalyticsEvent::beginEvent(const QString &eventId, const QString &label)
 {
     if (validateEventId(eventId))
-        m_context.dispatch().send(plainEvent(eventId, label), LFDispatchBeginEvent);
+        m_context.dispatch().send(plainEvent(eventId, label), LFEventTypeBeginEvent);
 }
 
 void LFAnalyticsEvent::endEvent(const QString &eventId, const QString &label)
 {
     if (validateEventId(eventId))
-        m_context.dispatch().send(plainEvent(eventId, label), LFDispatchEndEvent);
+        m_context.dispatch().send(plainEvent(eventId, label), LFEventTypeEndEvent);
 }
 
 void LFAnalyticsEvent::beginEvent(const QString &eventId, const QString &primarykey,
@@ -157,7 +157,7 @@ void LFAnalyticsEvent::beginEvent(const QString &eventId, const QString &primary
     event.id = eventId;
     event.key = primarykey;
     event.values = *values;
-    m_context.dispatch().send(std::move(event), LFDispatchBeginEkv);
+    m_context.dispatch().send(std::move(event), LFEventTypeBeginEkv);
 }
 
 void LFAnalyticsEvent::endEventPrimarykey(const QString &eventId, const QString &primarykey)
@@ -168,23 +168,23 @@ void LFAnalyticsEvent::endEventPrimarykey(const QString &eventId, const QString 
     fillBase(event, QStringLiteral("ekv"));
     event.id = eventId;
     event.key = primarykey;
-    m_context.dispatch().send(std::move(event), LFDispatchEndEkv);
+    m_context.dispatch().send(std::move(event), LFEventTypeEndEkv);
 }
 
 void LFAnalyticsEvent::logPageView(const QString &page, int seconds)
 {
     if (!LFANUtil::isBlank(page))
-        m_context.dispatch().send(LFANPage{page, seconds}, LFDispatchPageDuration);
+        m_context.dispatch().send(LFANPage{page, seconds}, LFEventTypePageDuration);
 }
 
 void LFAnalyticsEvent::beginLogPageView(const QString &page)
 {
     if (!LFANUtil::isBlank(page))
-        m_context.dispatch().send(page, LFDispatchPageBegin);
+        m_context.dispatch().send(page, LFEventTypePageBegin);
 }
 
 void LFAnalyticsEvent::endLogPageView(const QString &page)
 {
     if (!LFANUtil::isBlank(page))
-        m_context.dispatch().send(page, LFDispatchPageEnd);
+        m_context.dispatch().send(page, LFEventTypePageEnd);
 }

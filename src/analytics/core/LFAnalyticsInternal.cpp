@@ -51,7 +51,7 @@ void LFAnalyticsInternal::setSessionId(const QString &sessionId)
     m_sessionId = sessionId;
 }
 
-void LFAnalyticsInternal::workEvent(const LFDispatchEventRecord &event)
+void LFAnalyticsInternal::workEvent(const LFDispatchEvent &event)
 {
     // Nothing that goes wrong in here may take the app down.
     try {
@@ -66,17 +66,17 @@ void LFAnalyticsInternal::workEvent(const LFDispatchEventRecord &event)
     }
 }
 
-void LFAnalyticsInternal::work(const LFDispatchEventRecord &event)
+void LFAnalyticsInternal::work(const LFDispatchEvent &event)
 {
     const std::any &object = event.object;
     switch (event.eEventType) {
-    case LFDispatchSessionStart:
+    case LFEventTypeSessionStart:
         loadCache();
         if (!m_context.session().appInBackGround())
             m_context.job().preparePerformJob(0);
         m_context.log(QStringLiteral("session begin:%1").arg(m_sessionId));
         return;
-    case LFDispatchSessionEnd:
+    case LFEventTypeSessionEnd:
         stopSession(std::any_cast<double>(object));
         if (m_context.app().reportPolicy() == 8 && m_context.app().backgroundTaskEnabled())
             m_context.job().preparePerformJob(1);
@@ -84,59 +84,59 @@ void LFAnalyticsInternal::work(const LFDispatchEventRecord &event)
         m_context.app().setBackgroundTaskRunning(false);
         m_context.log(QStringLiteral("session end:%1").arg(m_sessionId));
         return;
-    case LFDispatchEvent:
+    case LFEventTypePlainEvent:
         addEvent(std::any_cast<LFANEvent>(object));
         return;
-    case LFDispatchError:
+    case LFEventTypeError:
         if (eventLimitAllows()) {
             LFANError error = std::any_cast<LFANError>(object);
             stamp(error);
             m_memory.errors.append(error);
         }
         return;
-    case LFDispatchEkv:
+    case LFEventTypeEkv:
         addEkv(std::any_cast<LFANEkv>(object));
         return;
-    case LFDispatchBeginEvent: {
+    case LFEventTypeBeginEvent: {
         LFANEvent begin = std::any_cast<LFANEvent>(object);
         stamp(begin);
         m_timedEvents.insert(timedKey(begin.event_id, begin.label), begin);
         return;
     }
-    case LFDispatchEndEvent:
+    case LFEventTypeEndEvent:
         endTimedEvent(std::any_cast<LFANEvent>(object));
         return;
-    case LFDispatchBeginEkv: {
+    case LFEventTypeBeginEkv: {
         LFANEkv begin = std::any_cast<LFANEkv>(object);
         stamp(begin);
         m_timedEkvs.insert(timedKey(begin.id, begin.key), begin);
         return;
     }
-    case LFDispatchEndEkv:
+    case LFEventTypeEndEkv:
         endTimedEkv(std::any_cast<LFANEkv>(object));
         return;
-    case LFDispatchPageDuration: {
+    case LFEventTypePageDuration: {
         const LFANPage page = std::any_cast<LFANPage>(object);
         m_memory.pages.append(page);
         m_context.log(QStringLiteral("pageDuration:(%1, %2)").arg(page.name).arg(page.seconds));
         return;
     }
-    case LFDispatchPageBegin: {
+    case LFEventTypePageBegin: {
         const QString page = std::any_cast<QString>(object);
         const double now = m_context.now();
         m_pageBegins.insert(page, now);
         m_context.log(QStringLiteral("pageBegin=%1, beginTime:%2").arg(page).arg(now, 0, 'f', 3));
         return;
     }
-    case LFDispatchPageEnd:
+    case LFEventTypePageEnd:
         pageEnd(std::any_cast<QString>(object));
         return;
-    case LFDispatchProfileSignIn: {
+    case LFEventTypeProfileSignIn: {
         const QStringList profile = std::any_cast<QStringList>(object);
         profileSignIn(profile.value(0), profile.value(1));
         return;
     }
-    case LFDispatchProfileSignOff:
+    case LFEventTypeProfileSignOff:
         profileSignOff();
         return;
     default:

@@ -26,7 +26,7 @@ public:
     QString sessionId() const;
     void setSessionId(const QString &sessionId);
 
-    void workEvent(const LFDispatchEventRecord &event);
+    void workEvent(const LFDispatchEvent &event);
 
     // Ends the current session: a session-end record with the pages and any location.
     void stopSession(double duration);
@@ -62,7 +62,7 @@ public:
     Containers containers() const;
 
 private:
-    void work(const LFDispatchEventRecord &event);
+    void work(const LFDispatchEvent &event);
     void stamp(LFANBaseEvent &event) const;
     bool eventLimitAllows();
     void addEvent(LFANEvent event);

@@ -38,7 +38,7 @@ void LFAnalyticsSession::appActivate()
         m_sessionStatus = Active;
         m_lastLaunchTime = m_context.now();
     }
-    m_context.dispatch().send({}, LFDispatchSessionStart);
+    m_context.dispatch().send({}, LFEventTypeSessionStart);
 }
 
 void LFAnalyticsSession::appInactivate(bool terminating)
@@ -62,7 +62,7 @@ void LFAnalyticsSession::appInactivate(bool terminating)
         LFAnalyticsApp &app = m_context.app();
         if (!app.backgroundTaskRunning())
             app.setBackgroundTaskRunning(true);
-        m_context.dispatch().send(duration, LFDispatchSessionEnd);
+        m_context.dispatch().send(duration, LFEventTypeSessionEnd);
         return;
     }
     LFAnalyticsInternal &internal = m_context.internal();

@@ -21,7 +21,7 @@ void LFWorkDispatch::sendEvent(std::any object, uint16_t type)
 
 void LFWorkDispatch::send(std::any object, uint16_t type)
 {
-    LFDispatchEventRecord event{type, std::move(object)};
+    LFDispatchEvent event{type, std::move(object)};
     QMutexLocker lock(&m_mutex);
     ++m_pending;
     if (!QCoreApplication::instance()) {
@@ -33,7 +33,7 @@ void LFWorkDispatch::send(std::any object, uint16_t type)
                               Qt::QueuedConnection);
 }
 
-void LFWorkDispatch::workWithEvent(const LFDispatchEventRecord &event)
+void LFWorkDispatch::workWithEvent(const LFDispatchEvent &event)
 {
     m_context.internal().workEvent(event);
     --m_pending;

@@ -11,23 +11,23 @@
 class LFAnalyticsContext;
 
 enum LFDispatchEventType : uint16_t {
-    LFDispatchSessionStart = 0,
-    LFDispatchSessionEnd = 1,
-    LFDispatchEvent = 2,
-    LFDispatchError = 3,
-    LFDispatchEkv = 4,
-    LFDispatchBeginEvent = 5,
-    LFDispatchEndEvent = 6,
-    LFDispatchBeginEkv = 7,
-    LFDispatchEndEkv = 8,
-    LFDispatchPageDuration = 9,
-    LFDispatchPageBegin = 10,
-    LFDispatchPageEnd = 11,
-    LFDispatchProfileSignIn = 12,
-    LFDispatchProfileSignOff = 13,
+    LFEventTypeSessionStart = 0,
+    LFEventTypeSessionEnd = 1,
+    LFEventTypePlainEvent = 2,
+    LFEventTypeError = 3,
+    LFEventTypeEkv = 4,
+    LFEventTypeBeginEvent = 5,
+    LFEventTypeEndEvent = 6,
+    LFEventTypeBeginEkv = 7,
+    LFEventTypeEndEkv = 8,
+    LFEventTypePageDuration = 9,
+    LFEventTypePageBegin = 10,
+    LFEventTypePageEnd = 11,
+    LFEventTypeProfileSignIn = 12,
+    LFEventTypeProfileSignOff = 13,
 };
 
-struct LFDispatchEventRecord
+struct LFDispatchEvent
 {
     uint16_t eEventType = 0;
     std::any object;    // the payload, owned here
@@ -51,7 +51,7 @@ signals:
     void gotAppkey();
 
 private:
-    void workWithEvent(const LFDispatchEventRecord &event);
+    void workWithEvent(const LFDispatchEvent &event);
 
     LFAnalyticsContext &m_context;
     QMutex m_mutex;
