@@ -65,7 +65,10 @@ void HostDetailViewController::viewDidLoad()
     m_tableView->setDataSource(this);
     view()->addSubview(m_tableView);
     m_tableView->registerClass<HostCell>(kCellIdentifier);
-    m_tableView->setHeader(new RefreshHeader(this, &HostDetailViewController::jsonDiction));
+    auto *header = new RefreshHeader(this, &HostDetailViewController::jsonDiction);
+    // At rest the idle header lies under the translucent bar; it fades in only when pulled.
+    header->setAutomaticallyChangeAlpha(true);
+    m_tableView->setHeader(header);
 
     height = JsonChangDic::adaptiveWithText(FieldValue::optionalText(postModel.topiccontent()));
     titleH = JsonChangDic::adaptiveWithText(FieldValue::optionalText(postModel.title()));

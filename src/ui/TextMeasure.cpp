@@ -1,5 +1,6 @@
 #include "TextMeasure.h"
 
+#include "Fonts.h"
 #include "MainScreen.h"
 
 #include <QCache>
@@ -9,21 +10,13 @@
 
 namespace {
 
-constexpr qreal kBodyFontSize = 17;
+constexpr int kBodyFontSize = 17;
 constexpr qreal kHeightLimit = 10000;
 constexpr int kCachedTextsPerWidth = 4096;
-const QString kFontFamily = QStringLiteral("Noto Sans CJK SC");
 
 } // namespace
 
 namespace TextMeasure {
-
-QFont systemFontOfSize(qreal size)
-{
-    QFont font(kFontFamily);
-    font.setPixelSize(qRound(size));
-    return font;
-}
 
 qreal wrappedHeight(const QString &text, const QFont &font, qreal width, qreal limit)
 {
@@ -43,7 +36,7 @@ qreal bodyTextHeight(const std::optional<QString> &text, qreal margin)
     QCache<QString, qreal> &cache = cachesByWidth.try_emplace(width, kCachedTextsPerWidth).first->second;
     if (const qreal *known = cache.object(*text))
         return *known;
-    static const QFont bodyFont = systemFontOfSize(kBodyFontSize);
+    static const QFont bodyFont = Fonts::systemFontOfSize(kBodyFontSize);
     const qreal height = wrappedHeight(*text, bodyFont, width, kHeightLimit);
     cache.insert(*text, new qreal(height));
     return height;

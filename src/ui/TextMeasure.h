@@ -9,9 +9,6 @@
 
 namespace TextMeasure {
 
-// The app's system font at the given pixel size ("system font N").
-QFont systemFontOfSize(qreal size);
-
 // Height of `text` at system font 17 across the main screen's width less `margin`, with a
 // limit of 10000 points; absent text measures 0 without measuring.
 qreal bodyTextHeight(const std::optional<QString> &text, qreal margin);
