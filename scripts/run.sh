@@ -38,3 +38,17 @@ first_board=$("$cli" boards --json | grep -m1 '"sectionid"' | grep -o '[0-9]\+')
 "$cli" top "$first_board"
 echo
 "$cli" topics "$first_board"
+echo
+
+# The window: a topic with many replies, as the board list opens it. Without a display the
+# window is drawn offscreen and saved as a picture instead.
+topic=$((first_board * 1000 + 1))
+app="$build/src/app/quorvel"
+if [[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]]; then
+  echo "Opening topic $topic in the Quorvel window (close it to stop the server)."
+  "$app" --topic "$topic" --section "$first_board" "$@"
+else
+  shot="$data/topic-$topic.png"
+  QT_QPA_PLATFORM=offscreen "$app" --topic "$topic" --section "$first_board" --screenshot "$shot" "$@" 2>/dev/null
+  echo "No display: the window for topic $topic was drawn offscreen to $shot"
+fi
