@@ -1,26 +1,13 @@
 #include "Base64.h"
 
 #include "GTMBase64.h"
-
-#include <array>
-#include <cstdint>
+#include "Base64Alphabet.h"
 
 namespace {
 
-constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-// Every character outside the alphabet maps to this or above and is skipped.
+// Every character outside the alphabet maps to this and is skipped.
 constexpr uint8_t kSkip = 99;
-
-constexpr std::array<uint8_t, 128> makeDecodeTable()
-{
-    std::array<uint8_t, 128> table{};
-    table.fill(kSkip);
-    for (uint8_t i = 0; i < 64; ++i)
-        table[static_cast<uint8_t>(kAlphabet[i])] = i;
-    return table;
-}
-
-constexpr std::array<uint8_t, 128> kDecode = makeDecodeTable();
+constexpr std::array<uint8_t, 128> kDecode = Base64Alphabet::decodeTable<128>(kSkip);
 
 } // namespace
 

@@ -1,23 +1,12 @@
 #include "GTMBase64.h"
 
-#include <array>
-#include <cstdint>
+#include "Base64Alphabet.h"
 
 namespace {
 
-constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr const char *kAlphabet = Base64Alphabet::kCharacters;
 constexpr uint8_t kInvalid = 0xFF;
-
-constexpr std::array<uint8_t, 256> makeDecodeTable()
-{
-    std::array<uint8_t, 256> table{};
-    table.fill(kInvalid);
-    for (uint8_t i = 0; i < 64; ++i)
-        table[static_cast<uint8_t>(kAlphabet[i])] = i;
-    return table;
-}
-
-constexpr std::array<uint8_t, 256> kDecode = makeDecodeTable();
+constexpr std::array<uint8_t, 256> kDecode = Base64Alphabet::decodeTable<256>(kInvalid);
 
 } // namespace
 

@@ -6,7 +6,6 @@
 #include "Label.h"
 #include "TextView.h"
 #include "TopicStyle.h"
-#include "UIColorAdd.h"
 
 #include <QFontMetricsF>
 
@@ -17,11 +16,6 @@ constexpr qreal kGap = 20;
 constexpr qreal kMetaHeight = 12;
 constexpr qreal kUserWidth = 75;
 constexpr qreal kTimeGap = 14;
-
-QColor color(const char *hex)
-{
-    return UIColorAdd::colorWithHexString(QString::fromLatin1(hex));
-}
 
 } // namespace
 
@@ -40,7 +34,7 @@ TextView *HeadView::content()
     if (!m_content) {
         m_content = new TextView;
         m_content->setFont(Fonts::systemFontOfSize(TopicStyle::kBodyFont));
-        m_content->setTextColor(color(TopicStyle::kTextColor));
+        m_content->setTextColor(TopicStyle::color(TopicStyle::kTextColor));
         m_content->setDelegate(this);
     }
     return m_content;
@@ -51,7 +45,7 @@ Label *HeadView::user()
     if (!m_user) {
         m_user = new Label;
         m_user->setFont(Fonts::systemFontOfSize(TopicStyle::kMetaFont));
-        m_user->setTextColor(color(TopicStyle::kTextColor));
+        m_user->setTextColor(TopicStyle::color(TopicStyle::kTextColor));
     }
     return m_user;
 }
@@ -61,7 +55,7 @@ Label *HeadView::time()
     if (!m_time) {
         m_time = new Label;
         m_time->setFont(Fonts::systemFontOfSize(TopicStyle::kMetaFont));
-        m_time->setTextColor(color(TopicStyle::kMutedColor));
+        m_time->setTextColor(TopicStyle::color(TopicStyle::kMutedColor));
     }
     return m_time;
 }
@@ -71,7 +65,7 @@ Label *HeadView::title()
     if (!m_title) {
         m_title = new Label;
         m_title->setFont(Fonts::systemFontOfSize(TopicStyle::kTitleFont));
-        m_title->setTextColor(color(TopicStyle::kTextColor));
+        m_title->setTextColor(TopicStyle::color(TopicStyle::kTextColor));
         m_title->setLineBreakMode(LineBreakMode::ByCharWrapping);
         // The unlimited line count lands on the user label, not the title: the title keeps
         // its single line. That is the look of this screen.

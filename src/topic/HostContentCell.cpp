@@ -4,7 +4,6 @@
 #include "Label.h"
 #include "MainScreen.h"
 #include "TopicStyle.h"
-#include "UIColorAdd.h"
 
 #include <QRandomGenerator>
 
@@ -13,7 +12,7 @@ namespace {
 Label *makeLabel(const QRectF &frame, const char *textColor)
 {
     auto *label = new Label(frame);
-    label->setTextColor(UIColorAdd::colorWithHexString(QString::fromLatin1(textColor)));
+    label->setTextColor(TopicStyle::color(textColor));
     label->setBackgroundColor(HostContentCell::randomBackgroundColor());
     return label;
 }

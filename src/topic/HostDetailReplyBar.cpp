@@ -12,6 +12,7 @@
 #include "KeyboardObserver.h"
 #include "MainScreen.h"
 #include "NoticeOverlay.h"
+#include "PostOutcome.h"
 #include "Reachability.h"
 #include "RefreshHeader.h"
 #include "ReplyIcon.h"
@@ -19,7 +20,6 @@
 #include "TextInputMode.h"
 #include "TextView.h"
 #include "TopicStyle.h"
-#include "UIColorAdd.h"
 #include "UserIdStore.h"
 #include "Window.h"
 
@@ -28,9 +28,6 @@
 namespace {
 
 const QString kPlaceholder = QStringLiteral("来一条高能回帖");
-const QString kReplySucceeded = QStringLiteral("回帖成功");
-const QString kReplyNotice = QStringLiteral("回复成功");
-const QString kRefusedNotice = QStringLiteral("操作太频繁请稍后再试");
 const QString kOfflineNotice = QStringLiteral("网络连接失败");
 const QString kEmojiLanguage = QStringLiteral("emoji");
 // Any well-known public host serves; only the platform's reachability is read.
@@ -66,7 +63,7 @@ void HostDetailViewController::buildReplyBar()
 
     m_textlabel = new Button(kPlaceholderFrame);
     m_textlabel->setTitle(kPlaceholder);
-    m_textlabel->setTitleColor(UIColorAdd::colorWithHexString(QString::fromLatin1(TopicStyle::kMutedColor)));
+    m_textlabel->setTitleColor(TopicStyle::color(TopicStyle::kMutedColor));
     m_textlabel->setContentHorizontalAlignment(ContentHorizontalAlignment::Left);
     connect(m_textlabel, &Button::touchUpInside, this, &HostDetailViewController::textlabelAction);
     m_replyTextView->addSubview(m_textlabel);
@@ -238,9 +235,7 @@ void HostDetailViewController::replyTopic()
     HttpRequest::GetRepliesleTopicSuccessBlock(
         [controller = self()](const HttpTask &, const QJsonValue &payload) {
             controller->m_textlabel->setHidden(false);
-            const bool succeeded =
-                payload.toObject().value(QStringLiteral("description")).toString() == kReplySucceeded;
-            controller->showNotice(succeeded ? kReplyNotice : kRefusedNotice);
+            controller->showNotice(PostOutcome::notice(PostOutcome::Kind::Reply, payload));
             controller->m_tableView->reloadData();
             controller->endRefresh();
             controller->jsonDiction();

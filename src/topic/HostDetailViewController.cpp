@@ -17,7 +17,6 @@
 #include "TableView.h"
 #include "TextView.h"
 #include "TopicStyle.h"
-#include "UIColorAdd.h"
 #include "UserIdStore.h"
 
 #include <QJsonArray>
@@ -29,11 +28,6 @@ const QString kCellIdentifier = QStringLiteral("cell1");
 constexpr int kHighlightedSection = 0;
 constexpr int kAllRepliesSection = 1;
 constexpr qreal kInitialTableBottomRoom = 114;
-
-QColor hexColor(const char *hex)
-{
-    return UIColorAdd::colorWithHexString(QString::fromLatin1(hex));
-}
 
 } // namespace
 
@@ -80,7 +74,7 @@ void HostDetailViewController::viewDidLoad()
 
     buildReplyBar();
 
-    m_tableView->setBackgroundColor(hexColor(TopicStyle::kListBackground));
+    m_tableView->setBackgroundColor(TopicStyle::color(TopicStyle::kListBackground));
     m_tableView->setFrame(QRectF(0, 0, width, viewHeight - TopicStyle::kReplyBarHeight));
 }
 
@@ -239,8 +233,8 @@ QWidget *HostDetailViewController::viewForHeaderInSection(TableView *, int secti
     } else {
         m_label->setFrame(QRectF((width - 40) * 0.5, 15, 40, 15));
         m_label->setText(QStringLiteral("END"));
-        m_label->setTextColor(hexColor(TopicStyle::kEndMarkerColor));
-        header->setBackgroundColor(hexColor(TopicStyle::kListBackground));
+        m_label->setTextColor(TopicStyle::color(TopicStyle::kEndMarkerColor));
+        header->setBackgroundColor(TopicStyle::color(TopicStyle::kListBackground));
     }
     return header;
 }

@@ -1,6 +1,8 @@
 #pragma once
 // Fixed sizes, colours and texts of the topic screen and its views, kept in one place.
 
+#include "UIColorAdd.h"
+
 namespace TopicStyle {
 
 // Colours as six hexadecimal digits.
@@ -8,6 +10,11 @@ inline constexpr const char *kTextColor = "2e3339";
 inline constexpr const char *kMutedColor = "abacae";
 inline constexpr const char *kEndMarkerColor = "b2b4b6";
 inline constexpr const char *kListBackground = "f3f3f3";
+
+inline QColor color(const char *hex)
+{
+    return UIColorAdd::colorWithHexString(QString::fromLatin1(hex));
+}
 
 // System font sizes.
 inline constexpr int kTitleFont = 18;

@@ -32,26 +32,14 @@ namespace {
 
 const QString k35 = QStringLiteral("一二三四五六七八九十一二三四五六七八九十一二三四五六七八九十一二三四五");
 
-class ReplyBarTest : public ::testing::Test
+class ReplyBarTest : public ForumServerSuite
 {
 protected:
-    static void SetUpTestSuite() { s_server = new LocalForumServer({QStringLiteral("--post-interval"), QStringLiteral("0")}); }
-    static void TearDownTestSuite()
-    {
-        delete s_server;
-        s_server = nullptr;
-    }
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(s_server->isRunning()) << s_server->errorString().toStdString();
-        ServiceConfig::setApiRoot(s_server->apiRoot());
-    }
     void TearDown() override
     {
         TextInputMode::selectSystemKeyboard();
         Reachability::setForcedStatus(std::nullopt);
-        ServiceConfig::setApiRoot({});
+        ForumServerSuite::TearDown();
     }
 
     std::shared_ptr<HostDetailViewController> openLoaded(qint64 tid = Demo::kNewestTopicId)
@@ -81,11 +69,7 @@ protected:
             box->insertText(QString(unit));
     }
 
-    static LocalForumServer *s_server;
-    Window window;
 };
-
-LocalForumServer *ReplyBarTest::s_server = nullptr;
 
 } // namespace
 

@@ -3,6 +3,8 @@
 // for them to load.
 
 #include "EventLoop.h"
+#include "LocalForumServer.h"
+#include "ServiceConfig.h"
 #include "HostDetailViewController.h"
 #include "HttpSessionManager.h"
 #include "Label.h"
@@ -11,9 +13,35 @@
 #include "TableView.h"
 #include "Window.h"
 
-#include <QRegularExpression>
+#include <gtest/gtest.h>
 
 namespace topictest {
+
+// A test suite sharing one forum server (no waiting time between posts), with the client
+// pointed at it for each test and a fresh window.
+class ForumServerSuite : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        s_server = new LocalForumServer({QStringLiteral("--post-interval"), QStringLiteral("0")});
+    }
+    static void TearDownTestSuite()
+    {
+        delete s_server;
+        s_server = nullptr;
+    }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(s_server->isRunning()) << s_server->errorString().toStdString();
+        ServiceConfig::setApiRoot(s_server->apiRoot());
+    }
+    void TearDown() override { ServiceConfig::setApiRoot({}); }
+
+    static inline LocalForumServer *s_server = nullptr;
+    Window window;
+};
 
 // The screen has had its appearance, and every request it made has been answered.
 inline bool waitUntilLoaded(const std::shared_ptr<HostDetailViewController> &screen)

@@ -27,23 +27,9 @@ using Demo = LocalForumServer::Demo;
 
 namespace {
 
-class TopicScreenTest : public ::testing::Test
+class TopicScreenTest : public ForumServerSuite
 {
 protected:
-    static void SetUpTestSuite() { s_server = new LocalForumServer({QStringLiteral("--post-interval"), QStringLiteral("0")}); }
-    static void TearDownTestSuite()
-    {
-        delete s_server;
-        s_server = nullptr;
-    }
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(s_server->isRunning()) << s_server->errorString().toStdString();
-        ServiceConfig::setApiRoot(s_server->apiRoot());
-    }
-    void TearDown() override { ServiceConfig::setApiRoot({}); }
-
     // Writes a new topic on board 1 and returns its id (the newest topic of page 1).
     qint64 postFreshTopic(const QString &title)
     {
@@ -64,11 +50,7 @@ protected:
         return tid;
     }
 
-    static LocalForumServer *s_server;
-    Window window;
 };
-
-LocalForumServer *TopicScreenTest::s_server = nullptr;
 
 } // namespace
 

@@ -7,6 +7,7 @@
 #include "HttpRequest.h"
 #include "JsonChangDic.h"
 #include "PostModel.h"
+#include "PostOutcome.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -14,12 +15,6 @@
 #include <QTimer>
 
 namespace {
-
-const QString kWriteSuccess = QStringLiteral("发帖成功");
-const QString kReplySuccess = QStringLiteral("回帖成功");
-const QString kWriteNotice = QStringLiteral("发表成功");
-const QString kReplyNotice = QStringLiteral("回复成功");
-const QString kRefusedNotice = QStringLiteral("操作太频繁请稍后再试");
 
 constexpr int kExitOk = 0;
 constexpr int kExitFailed = 1;
@@ -68,6 +63,15 @@ void ForumCli::printJson(const QJsonValue &payload)
     m_out << CliFormat::json(payload) << Qt::endl;
 }
 
+void ForumCli::printAnswer(const QJsonValue &payload, const std::function<QString()> &readable)
+{
+    if (m_json)
+        printJson(payload);
+    else
+        m_out << readable();
+    finish(kExitOk);
+}
+
 void ForumCli::withBoards(const PayloadHandler &then)
 {
     auto boards = std::make_shared<QJsonValue>(QJsonValue::Undefined);
@@ -94,11 +98,7 @@ void ForumCli::withBoards(const PayloadHandler &then)
 void ForumCli::ads()
 {
     HttpRequest::GetAdRecomSuccessBlock(answered([this](const QJsonValue &payload) {
-                                            if (m_json)
-                                                printJson(payload);
-                                            else
-                                                m_out << CliFormat::banner(payload);
-                                            finish(kExitOk);
+                                            printAnswer(payload, [&] { return CliFormat::banner(payload); });
                                         }),
                                         {});
 }
@@ -106,11 +106,7 @@ void ForumCli::ads()
 void ForumCli::boards()
 {
     withBoards([this](const QJsonValue &answer) {
-        if (m_json)
-            printJson(answer);
-        else
-            m_out << CliFormat::boards(answer);
-        finish(kExitOk);
+        printAnswer(answer, [&] { return CliFormat::boards(answer); });
     });
 }
 
@@ -134,11 +130,7 @@ void ForumCli::topics(qint64 sectionId, int page)
     withBoard(sectionId, [this, page](const ListModel &board) {
         const QString payload = JsonChangDic::jsonWithDictionary(ForumPayloads::topics(board, page));
         HttpRequest::GetTopicsSuccessBlock(answered([this, board, page](const QJsonValue &answer) {
-                                               if (m_json)
-                                                   printJson(answer);
-                                               else
-                                                   m_out << CliFormat::topics(board, page, answer);
-                                               finish(kExitOk);
+                                               printAnswer(answer, [&] { return CliFormat::topics(board, page, answer); });
                                            }),
                                            {}, payload);
     });
@@ -149,11 +141,7 @@ void ForumCli::top(qint64 sectionId)
     withBoard(sectionId, [this](const ListModel &board) {
         const QString payload = JsonChangDic::jsonWithDictionary(ForumPayloads::topTopic(board));
         HttpRequest::GetTopTopicSuccessBlock(answered([this](const QJsonValue &answer) {
-                                                 if (m_json)
-                                                     printJson(answer);
-                                                 else
-                                                     m_out << CliFormat::topTopics(answer);
-                                                 finish(kExitOk);
+                                                 printAnswer(answer, [&] { return CliFormat::topTopics(answer); });
                                              }),
                                              {}, payload);
     });
@@ -185,15 +173,15 @@ void ForumCli::topic(qint64 tid, qint64 sectionId)
     });
 }
 
-void ForumCli::printPostOutcome(const QJsonValue &payload, const QString &successDescription,
-                                const QString &successNotice)
+void ForumCli::printPostOutcome(const QJsonValue &payload, PostOutcome::Kind kind)
 {
-    const QString description = payload.toObject().value(QStringLiteral("description")).toString();
-    const bool succeeded = description == successDescription;
-    if (m_json)
+    const bool succeeded = PostOutcome::succeeded(kind, payload);
+    if (m_json) {
         printJson(payload);
-    else
-        m_out << (succeeded ? successNotice : kRefusedNotice) << "  (" << description << ")" << Qt::endl;
+    } else {
+        const QString description = payload.toObject().value(QStringLiteral("description")).toString();
+        m_out << PostOutcome::notice(kind, payload) << "  (" << description << ")" << Qt::endl;
+    }
     finish(succeeded ? kExitOk : kExitFailed);
 }
 
@@ -213,7 +201,7 @@ void ForumCli::reply(qint64 tid, qint64 sectionId, const QString &text)
                 const QString payload = JsonChangDic::jsonWithDictionary(
                     ForumPayloads::reply(board, tid, title, m_userIds.userId(), text));
                 HttpRequest::GetRepliesleTopicSuccessBlock(answered([this](const QJsonValue &answer) {
-                                                               printPostOutcome(answer, kReplySuccess, kReplyNotice);
+                                                               printPostOutcome(answer, PostOutcome::Kind::Reply);
                                                            }),
                                                            {}, payload);
             }),
@@ -227,7 +215,7 @@ void ForumCli::post(qint64 sectionId, const QString &title, const QString &conte
         const QString payload = JsonChangDic::jsonWithDictionary(
             ForumPayloads::writeTopic(board, m_userIds.userId(), title, content));
         HttpRequest::GetWriteTopicSuccessBlock(answered([this](const QJsonValue &answer) {
-                                                   printPostOutcome(answer, kWriteSuccess, kWriteNotice);
+                                                   printPostOutcome(answer, PostOutcome::Kind::Topic);
                                                }),
                                                {}, payload);
     });

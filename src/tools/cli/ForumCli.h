@@ -5,6 +5,7 @@
 
 #include "HttpTask.h"
 #include "ListModel.h"
+#include "PostOutcome.h"
 #include "UserIdStore.h"
 
 #include <QJsonValue>
@@ -47,8 +48,9 @@ private:
     // Counts a request as pending until its answer arrives, then runs the handler.
     std::function<void(const HttpTask &, const QJsonValue &)> answered(PayloadHandler handler);
     void printJson(const QJsonValue &payload);
-    void printPostOutcome(const QJsonValue &payload, const QString &successDescription,
-                          const QString &successNotice);
+    // The payload as JSON with --json, else as the readable text; then the command ends.
+    void printAnswer(const QJsonValue &payload, const std::function<QString()> &readable);
+    void printPostOutcome(const QJsonValue &payload, PostOutcome::Kind kind);
     void finish(int exitCode);
 
     bool m_json;
