@@ -9,7 +9,7 @@ packages=(
   libssl-dev openssl zlib1g-dev libsqlite3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   fonts-noto-cjk xvfb xauth curl
-  thrift-compiler libthrift-dev python3 python3-thrift libboost-dev
+  thrift-compiler libthrift-dev libboost-dev
   clang-14 libclang-rt-14-dev
 )
 
