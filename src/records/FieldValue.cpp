@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 
 #include <cmath>
 #include <limits>
@@ -22,7 +23,7 @@ QString describe(const QJsonValue &value)
         const double number = value.toDouble();
         if (std::trunc(number) == number && std::abs(number) < 1e15)
             return QString::number(qint64(number));
-        return QString::number(number, 'g', 17);
+        return QString::number(number, 'g', QLocale::FloatingPointShortest);
     }
     case QJsonValue::String:
         return value.toString();

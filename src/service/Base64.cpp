@@ -3,6 +3,8 @@
 #include "GTMBase64.h"
 #include "Base64Alphabet.h"
 
+#include <QStringDecoder>
+
 namespace {
 
 // Every character outside the alphabet maps to this and is skipped.
@@ -15,7 +17,12 @@ namespace Base64 {
 
 std::optional<QByteArray> dataWithBase64EncodedString(const QString &string)
 {
-    const QByteArray ascii = string.toLatin1();
+    // Lossy ASCII: anything beyond it becomes "?", which the table skips.
+    QByteArray ascii = string.toLatin1();
+    for (char &c : ascii) {
+        if (static_cast<uint8_t>(c) > 0x7F)
+            c = '?';
+    }
     QByteArray out(ascii.size() / 4 * 3 + 3, Qt::Uninitialized);
     auto *o = reinterpret_cast<uint8_t *>(out.data());
     uint8_t group[4];
@@ -75,7 +82,11 @@ std::optional<QString> stringWithBase64EncodedString(const QString &string)
     const std::optional<QByteArray> bytes = dataWithBase64EncodedString(string);
     if (!bytes)
         return std::nullopt;
-    return QString::fromUtf8(*bytes);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder.decode(*bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
 }
 
 std::optional<QString> base64EncodedStringWithWrapWidth(const QString &string, int wrapWidth)

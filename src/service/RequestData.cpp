@@ -60,28 +60,28 @@ QJsonValue RequestData::unwrapPayload(const QJsonValue &responseObject)
 }
 
 void RequestData::requestWith(const QString &url, const QVariant &parameters,
-                              SuccessBlock SuccessBlock, FailBlock)
+                              SuccessBlock successBlock, FailBlock)
 {
     HttpSessionManager client = HttpSessionManager::manager();
     client.setAcceptableContentTypes(kPlainRequestContentTypes);
-    client.GET(url, parameters, unwrappingHandler(std::move(SuccessBlock)),
+    client.GET(url, parameters, unwrappingHandler(std::move(successBlock)),
                loggingHandler(QStringLiteral("error----:%1")));
 }
 
 void RequestData::requesEncodetWith(const QString &jsonText, const QVariant &parameters,
-                                    SuccessBlock SuccessBlock, FailBlock, const QString &string)
+                                    SuccessBlock successBlock, FailBlock, const QString &string)
 {
     HttpSessionManager::manager().GET(encodedUrl(jsonText, string), parameters,
-                                      unwrappingHandler(std::move(SuccessBlock)),
+                                      unwrappingHandler(std::move(successBlock)),
                                       loggingHandler(QStringLiteral("%1")));
 }
 
-void RequestData::requesPostWith(const QString &jsonText, const QVariant &, SuccessBlock SuccessBlock,
+void RequestData::requesPostWith(const QString &jsonText, const QVariant &, SuccessBlock successBlock,
                                  FailBlock, const QString &string)
 {
     const std::optional<QString> cipherText = encipher(jsonText);
     HttpSessionManager::manager().POST(urlWithPayload(string, cipherText),
                                        cipherText ? QVariant(*cipherText) : QVariant(),
-                                       unwrappingHandler(std::move(SuccessBlock)),
+                                       unwrappingHandler(std::move(successBlock)),
                                        loggingHandler(QStringLiteral("%1")));
 }

@@ -24,14 +24,14 @@ public:
 
     // Plain GET of a full URL; also accepts text/html answers.
     static void requestWith(const QString &url, const QVariant &parameters,
-                            SuccessBlock SuccessBlock, FailBlock andFailBlock);
+                            SuccessBlock successBlock, FailBlock andFailBlock);
     // Enciphered GET: API root + endpoint + Base64 payload, appended literally.
     static void requesEncodetWith(const QString &jsonText, const QVariant &parameters,
-                                  SuccessBlock SuccessBlock, FailBlock andFailBlock,
+                                  SuccessBlock successBlock, FailBlock andFailBlock,
                                   const QString &string);
     // Enciphered POST: the same URL, and the payload again as the form body "=<escaped>".
     static void requesPostWith(const QString &jsonText, const QVariant &parameters,
-                               SuccessBlock SuccessBlock, FailBlock andFailBlock,
+                               SuccessBlock successBlock, FailBlock andFailBlock,
                                const QString &string);
 
     // API root + endpoint + the enciphered payload (absent payload adds nothing).

@@ -86,7 +86,7 @@ void HostDetailViewController::buildReplyBar()
 
 bool HostDetailViewController::barIsAlive() const
 {
-    return m_tableView && m_replyTextView && m_replyImage && m_sender && m_textlabel;
+    return hasViews() && m_replyTextView && m_replyImage && m_sender && m_textlabel;
 }
 
 void HostDetailViewController::resetPlaceholder()
@@ -234,6 +234,8 @@ void HostDetailViewController::replyTopic()
 {
     HttpRequest::GetRepliesleTopicSuccessBlock(
         [controller = self()](const HttpTask &, const QJsonValue &payload) {
+            if (!controller->hasViews())
+                return;
             controller->m_textlabel->setHidden(false);
             controller->showNotice(PostOutcome::notice(PostOutcome::Kind::Reply, payload));
             controller->m_tableView->reloadData();

@@ -13,6 +13,7 @@
 #include "MainScreen.h"
 #include "NavigationController.h"
 #include "NavigationItem.h"
+#include "RecordSorting.h"
 #include "RefreshHeader.h"
 #include "TableView.h"
 #include "TextView.h"
@@ -43,6 +44,11 @@ HostDetailViewController::~HostDetailViewController()
 std::shared_ptr<HostDetailViewController> HostDetailViewController::self()
 {
     return std::static_pointer_cast<HostDetailViewController>(shared_from_this());
+}
+
+bool HostDetailViewController::hasViews() const
+{
+    return isViewLoaded() && m_tableView;
 }
 
 void HostDetailViewController::viewDidLoad()
@@ -109,11 +115,11 @@ void HostDetailViewController::backController()
 void HostDetailViewController::jsonDiction()
 {
     ++page;
-    const UserIdStore store;
-    const QString idText = store.text();
+    const QString idText = UserIdStore().text();
     forumLog(QStringLiteral("+++++++++ %1").arg(idText.isNull() ? QStringLiteral("(null)") : idText));
     // Always page 1 of 50, whatever `page` holds: the screen shows the first 50 replies.
-    jsonString = JsonChangDic::jsonWithDictionary(ForumPayloads::topicDetail(model, postModel, store.userId()));
+    jsonString = JsonChangDic::jsonWithDictionary(
+        ForumPayloads::topicDetail(model, postModel, FieldValue::integerValue(idText)));
     requstData();
     replyRequst();
 }
@@ -122,28 +128,28 @@ void HostDetailViewController::requstData()
 {
     HttpRequest::GetTopicDetailSuccessBlock(
         [controller = self()](const HttpTask &, const QJsonValue &payload) {
-            if (payload.isNull())
+            if (payload.isNull() || !controller->hasViews())
                 return;
-            const QJsonObject topic = payload.toObject();
             controller->endRefresh();
-            controller->replaceHeadView(topic.value(QStringLiteral("title")).toString(),
-                                        topic.value(QStringLiteral("time")).toString(),
-                                        topic.value(QStringLiteral("topiccontent")).toString());
+            controller->replaceHeadView(payload.toObject());
         },
         {}, jsonString);
-    m_tableView->reloadData();
+    if (hasViews())
+        m_tableView->reloadData();
 }
 
-void HostDetailViewController::replaceHeadView(const QString &title, const QString &time, const QString &content)
+void HostDetailViewController::replaceHeadView(const QJsonObject &topic)
 {
-    height = JsonChangDic::adaptiveWithText(content);
-    titleH = JsonChangDic::adaptiveWithText(title);
+    const QJsonValue title = topic.value(QStringLiteral("title"));
+    const QJsonValue content = topic.value(QStringLiteral("topiccontent"));
+    height = JsonChangDic::adaptiveWithText(FieldValue::optionalText(content));
+    titleH = JsonChangDic::adaptiveWithText(FieldValue::optionalText(title));
     m_headV = new HeadView(QRectF(0, 0, MainScreen::width(), height + TopicStyle::kHeadExtraHeight + titleH));
     m_headV->setBackgroundColor(Qt::white);
     m_tableView->setTableHeaderView(m_headV);
-    m_headV->title()->setText(title);
-    m_headV->time()->setText(time);
-    m_headV->content()->setText(content);
+    m_headV->title()->setText(FieldValue::displayText(title));
+    m_headV->time()->setText(FieldValue::displayText(topic.value(QStringLiteral("time"))));
+    m_headV->content()->setText(FieldValue::displayText(content));
     // The poster comes from the record the opener handed over, not from the answer.
     m_headV->user()->setText(FieldValue::displayText(postModel.username()));
 }
@@ -152,17 +158,14 @@ void HostDetailViewController::replyRequst()
 {
     HttpRequest::GetRepliesLogSuccessBlock(
         [controller = self()](const HttpTask &, const QJsonValue &payload) {
+            if (!controller->hasViews())
+                return;
             if (!payload.isNull()) {
-                controller->titels.clear();
-                controller->dataSource.clear();
-                for (const QJsonValue &element : payload.toArray()) {
-                    controller->replyListModel = ReplyListModel::fromJson(element);
-                    const qint64 istop = FieldValue::integerValue(element.toObject().value(QStringLiteral("istop")));
-                    if (istop == 1)
-                        controller->titels.append(controller->replyListModel);
-                    else if (istop == 0)
-                        controller->dataSource.append(controller->replyListModel);
-                }
+                RecordSorting::Replies replies = RecordSorting::splitReplies(payload);
+                controller->titels = std::move(replies.highlighted);
+                controller->dataSource = std::move(replies.all);
+                if (replies.lastParsed)
+                    controller->replyListModel = *replies.lastParsed;
             }
             controller->endRefresh();
             controller->m_tableView->reloadData();
@@ -172,6 +175,8 @@ void HostDetailViewController::replyRequst()
 
 void HostDetailViewController::endRefresh()
 {
+    if (!hasViews())
+        return;
     if (m_tableView->header())
         m_tableView->header()->endRefreshing();
     if (m_tableView->footer())

@@ -4,27 +4,27 @@
 // board list (pushed), the home banner (pushed, `result` 120) or a notification (presented
 // modally, `result` 110). Main thread.
 
+#include "Button.h"
+#include "HeadView.h"
+#include "ImageView.h"
+#include "Label.h"
 #include "ListModel.h"
+#include "NoticeOverlay.h"
 #include "PostModel.h"
 #include "ReplyListModel.h"
+#include "TableView.h"
 #include "TableViewDataSource.h"
 #include "TableViewDelegate.h"
+#include "TextView.h"
 #include "TextViewDelegate.h"
 #include "ViewController.h"
 
-#include "NoticeOverlay.h"
-
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QList>
 #include <QPointer>
 #include <QStringList>
 
-#include "Button.h"
-#include "HeadView.h"
-#include "ImageView.h"
-#include "Label.h"
-#include "TableView.h"
-#include "TextView.h"
 struct KeyboardNotification;
 
 class HostDetailViewController : public ViewController,
@@ -115,8 +115,11 @@ public:
 
 private:
     std::shared_ptr<HostDetailViewController> self();
+    // Whether the screen's views still exist: an answer can arrive after the screen's
+    // navigation controller has gone and taken the views with it.
+    bool hasViews() const;
     void buildReplyBar();
-    void replaceHeadView(const QString &title, const QString &time, const QString &content);
+    void replaceHeadView(const QJsonObject &topic);
     void resetPlaceholder();
     // The keyboard can come and go while the screen's views are being taken down.
     bool barIsAlive() const;

@@ -22,11 +22,8 @@ QJsonValue dictionaryWithJsonString(const std::optional<QString> &jsonString)
         return QJsonValue(QJsonValue::Undefined);
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(jsonString->toUtf8(), &error);
-    if (error.error != QJsonParseError::NoError || document.isNull()) {
-        forumLog(QStringLiteral("json解析失败：%1 (offset %2)")
-                     .arg(error.error != QJsonParseError::NoError ? error.errorString()
-                                                                  : QStringLiteral("no JSON text"))
-                     .arg(error.offset));
+    if (error.error != QJsonParseError::NoError) {
+        forumLog(QStringLiteral("json解析失败：%1 (offset %2)").arg(error.errorString(), QString::number(error.offset)));
         return QJsonValue(QJsonValue::Undefined);
     }
     if (document.isArray())

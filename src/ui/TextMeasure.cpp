@@ -2,9 +2,9 @@
 
 #include "Fonts.h"
 #include "MainScreen.h"
+#include "TextWrapping.h"
 
 #include <QCache>
-#include <QFontMetricsF>
 
 #include <map>
 
@@ -20,11 +20,7 @@ namespace TextMeasure {
 
 qreal wrappedHeight(const QString &text, const QFont &font, qreal width, qreal limit)
 {
-    const QFontMetricsF metrics(font);
-    const QRectF bounds = metrics.boundingRect(QRectF(0, 0, width, limit),
-                                               Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop,
-                                               text);
-    return qMin(bounds.height(), limit);
+    return qMin(TextWrapping::height(text, font, width, TextWrapping::Mode::WordsThenCharacters), limit);
 }
 
 qreal bodyTextHeight(const std::optional<QString> &text, qreal margin)

@@ -13,7 +13,7 @@ namespace TextMeasure {
 // limit of 10000 points; absent text measures 0 without measuring.
 qreal bodyTextHeight(const std::optional<QString> &text, qreal margin);
 
-// Height of `text` wrapped (words, or anywhere for ideographs) in `width` at `font`.
+// Height of `text` wrapped in `width` at `font`: by word, an over-long word at a character.
 qreal wrappedHeight(const QString &text, const QFont &font, qreal width, qreal limit);
 
 } // namespace TextMeasure

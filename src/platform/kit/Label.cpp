@@ -1,10 +1,11 @@
 #include "Label.h"
 
+#include "TextWrapping.h"
+
 #include "Fonts.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QTextLayout>
 
 #include <cmath>
 
@@ -80,43 +81,25 @@ QStringList Label::linesForSize(const QSizeF &size) const
     const int fitting = qMax(1, int(std::floor(size.height() / metrics.lineSpacing())));
     const int limit = m_numberOfLines == 0 ? fitting : qMin(m_numberOfLines, fitting);
 
-    // QTextLayout breaks lines only at U+2028, so hard line breaks are turned into that.
-    QString text = m_text;
-    text.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
-    QTextLayout layout(text, m_font);
-    QTextOption option;
-    option.setWrapMode(m_lineBreakMode == LineBreakMode::ByCharWrapping ? QTextOption::WrapAnywhere
-                                                                        : QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setTextOption(option);
+    // One line more than the limit tells whether the text was cut.
+    const TextWrapping::Mode mode = m_lineBreakMode == LineBreakMode::ByCharWrapping
+                                        ? TextWrapping::Mode::Characters
+                                        : TextWrapping::Mode::WordsThenCharacters;
+    QList<TextWrapping::Line> wrapped = TextWrapping::wrap(m_text, m_font, size.width(), mode, limit + 1);
+    const bool cut = wrapped.size() > limit;
+    if (cut)
+        wrapped.removeLast();
     QStringList lines;
-    bool cut = false;
-    layout.beginLayout();
-    for (;;) {
-        QTextLine line = layout.createLine();
-        if (!line.isValid())
-            break;
-        line.setLineWidth(size.width());
-        if (lines.size() == limit) {
-            cut = true;
-            break;
-        }
-        lines << text.mid(line.textStart(), line.textLength());
-    }
-    layout.endLayout();
+    for (const TextWrapping::Line &line : wrapped)
+        lines << line.text;
 
     const bool truncates = m_lineBreakMode >= LineBreakMode::ByTruncatingHead;
     if (cut && truncates && !lines.isEmpty()) {
-        qsizetype lastStart = 0;
-        for (int i = 0; i < lines.size() - 1; ++i)
-            lastStart += lines.at(i).size();
+        const qsizetype lastStart = wrapped.last().start;
         const Qt::TextElideMode elide = m_lineBreakMode == LineBreakMode::ByTruncatingHead ? Qt::ElideLeft
             : m_lineBreakMode == LineBreakMode::ByTruncatingMiddle                         ? Qt::ElideMiddle
                                                                                            : Qt::ElideRight;
         lines.last() = metrics.elidedText(m_text.mid(lastStart).simplified(), elide, size.width());
-    }
-    for (QString &line : lines) {
-        while (line.endsWith(QLatin1Char('\n')) || line.endsWith(QChar(QChar::LineSeparator)))
-            line.chop(1);
     }
     return lines;
 }

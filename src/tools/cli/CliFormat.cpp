@@ -2,6 +2,7 @@
 
 #include "FieldValue.h"
 #include "PostModel.h"
+#include "RecordSorting.h"
 #include "ReplyListModel.h"
 
 #include <QJsonArray>
@@ -12,7 +13,7 @@ namespace {
 
 QString text(const QJsonValue &value)
 {
-    return value.isUndefined() || value.isNull() ? QString() : FieldValue::describe(value);
+    return FieldValue::displayText(value);
 }
 
 QString indented(const QString &body)
@@ -23,11 +24,15 @@ QString indented(const QString &body)
     return out;
 }
 
-QString topicLine(const QJsonValue &entry)
+QString topicLine(const PostModel &topic)
 {
-    const PostModel topic = PostModel::fromJson(entry);
     return QStringLiteral("  #%1  %2  —  %3  %4\n")
         .arg(text(topic.tid()), text(topic.title()), text(topic.username()), text(topic.timeformat()));
+}
+
+QString replyLine(const ReplyListModel &reply)
+{
+    return QStringLiteral("  %1  %2\n%3").arg(text(reply.username()), text(reply.timeformat()), indented(text(reply.content())));
 }
 
 } // namespace
@@ -73,26 +78,23 @@ QString boards(const QJsonValue &boards)
 QString topics(const ListModel &board, int page, const QJsonValue &topics)
 {
     QString out = QStringLiteral("%1 第%2页 (%3)\n")
-                      .arg(text(board.sectionname()))
-                      .arg(page)
-                      .arg(topics.toArray().size());
+                      .arg(text(board.sectionname()), QString::number(page),
+                           QString::number(topics.toArray().size()));
     for (const QJsonValue &entry : topics.toArray())
-        out += topicLine(entry);
+        out += topicLine(PostModel::fromJson(entry));
     return out;
 }
 
 QString topTopics(const QJsonValue &topics)
 {
-    QString pinned;
-    QString guides;
-    for (const QJsonValue &entry : topics.toArray()) {
-        const qint64 type = FieldValue::integerValue(entry.toObject().value(QStringLiteral("topictype")));
-        if (type == 1 || type == 3)
-            pinned += topicLine(entry);
-        else if (type == 2 || type == 4)
-            guides += topicLine(entry);
-    }
-    return QStringLiteral("置顶\n") + pinned + QStringLiteral("攻略\n") + guides;
+    const RecordSorting::TopTopics sorted = RecordSorting::splitTopTopics(topics);
+    QString out = QStringLiteral("置顶\n");
+    for (const PostModel &topic : sorted.pinned)
+        out += topicLine(topic);
+    out += QStringLiteral("攻略\n");
+    for (const PostModel &topic : sorted.guides)
+        out += topicLine(topic);
+    return out;
 }
 
 QString topicDetail(const QJsonValue &detail, const QJsonValue &replies)
@@ -101,24 +103,14 @@ QString topicDetail(const QJsonValue &detail, const QJsonValue &replies)
     QString out = QStringLiteral("%1\n%2\n%3")
                       .arg(text(topic.value(QStringLiteral("title"))), text(topic.value(QStringLiteral("time"))),
                            indented(text(topic.value(QStringLiteral("topiccontent")))));
-    QString highlighted;
-    QString all;
-    int allCount = 0;
-    for (const QJsonValue &entry : replies.toArray()) {
-        const ReplyListModel reply = ReplyListModel::fromJson(entry);
-        const QString line = QStringLiteral("  %1  %2\n%3")
-                                 .arg(text(reply.username()), text(reply.timeformat()),
-                                      indented(text(reply.content())));
-        const qint64 istop = FieldValue::integerValue(entry.toObject().value(QStringLiteral("istop")));
-        if (istop == 1) {
-            highlighted += line;
-        } else if (istop == 0) {
-            all += line;
-            ++allCount;
-        }
-    }
-    return out + QStringLiteral("精彩回复\n") + highlighted
-           + QStringLiteral("全部回复(%1)\n").arg(allCount) + all;
+    const RecordSorting::Replies sorted = RecordSorting::splitReplies(replies);
+    out += QStringLiteral("精彩回复\n");
+    for (const ReplyListModel &reply : sorted.highlighted)
+        out += replyLine(reply);
+    out += QStringLiteral("全部回复(%1)\n").arg(sorted.all.size());
+    for (const ReplyListModel &reply : sorted.all)
+        out += replyLine(reply);
+    return out;
 }
 
 } // namespace CliFormat

@@ -156,18 +156,30 @@ void ForumCli::topic(qint64 tid, qint64 sectionId)
         opened.setValueForKey(tid, u"tid");
         const QString payload = JsonChangDic::jsonWithDictionary(
             ForumPayloads::topicDetail(board, opened, m_userIds.userId()));
-        // Both requests share one payload and go out together, as the topic screen sends them.
-        auto detail = std::make_shared<QJsonValue>(QJsonValue::Undefined);
-        HttpRequest::GetTopicDetailSuccessBlock(
-            [detail](const HttpTask &, const QJsonValue &answer) { *detail = answer; }, {}, payload);
-        HttpRequest::GetRepliesLogSuccessBlock(answered([this, detail](const QJsonValue &replies) {
-                                                   if (m_json) {
-                                                       printJson(QJsonObject{{QStringLiteral("detail"), *detail},
-                                                                             {QStringLiteral("replies"), replies}});
-                                                   } else {
-                                                       m_out << CliFormat::topicDetail(*detail, replies);
-                                                   }
-                                                   finish(kExitOk);
+        // Both requests share one payload and go out together, as the topic screen sends
+        // them; their answers may come back in either order.
+        struct Answers
+        {
+            QJsonValue detail = QJsonValue::Undefined;
+            QJsonValue replies = QJsonValue::Undefined;
+            int missing = 2;
+        };
+        auto answers = std::make_shared<Answers>();
+        auto printWhenBoth = [this, answers] {
+            if (--answers->missing > 0)
+                return;
+            const QJsonValue both = QJsonObject{{QStringLiteral("detail"), answers->detail},
+                                                {QStringLiteral("replies"), answers->replies}};
+            printAnswer(both, [&] { return CliFormat::topicDetail(answers->detail, answers->replies); });
+        };
+        HttpRequest::GetTopicDetailSuccessBlock(answered([answers, printWhenBoth](const QJsonValue &detail) {
+                                                    answers->detail = detail;
+                                                    printWhenBoth();
+                                                }),
+                                                {}, payload);
+        HttpRequest::GetRepliesLogSuccessBlock(answered([answers, printWhenBoth](const QJsonValue &replies) {
+                                                   answers->replies = replies;
+                                                   printWhenBoth();
                                                }),
                                                {}, payload);
     });

@@ -14,6 +14,9 @@
 namespace {
 
 constexpr int kExitUsage = 2;
+constexpr int kExitFailed = 1;
+// An answer the transport swallows (a null `Data` calls nothing) must not hang the tool.
+constexpr int kDefaultTimeoutSeconds = 30;
 
 ForumCli *g_cli = nullptr;
 QtMessageHandler g_defaultHandler = nullptr;
@@ -71,7 +74,11 @@ int main(int argc, char **argv)
     const QCommandLineOption title(QStringLiteral("title"), QStringLiteral("New topic's title."), QStringLiteral("text"));
     const QCommandLineOption content(QStringLiteral("content"), QStringLiteral("New topic's text."),
                                      QStringLiteral("text"));
-    parser.addOptions({apiRoot, json, page, section, title, content});
+    const QCommandLineOption timeout(QStringLiteral("timeout"),
+                                     QStringLiteral("Give up after this many seconds without an answer (default %1).")
+                                         .arg(kDefaultTimeoutSeconds),
+                                     QStringLiteral("seconds"), QString::number(kDefaultTimeoutSeconds));
+    parser.addOptions({apiRoot, json, page, section, title, content, timeout});
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("One of the commands above."));
     parser.process(app);
 
@@ -95,6 +102,9 @@ int main(int argc, char **argv)
     qint64 pageNumber = 0;
     if (!readNumber(parser.value(page), &pageNumber) || pageNumber < 1)
         return usage(parser, QStringLiteral("--page takes a whole number from 1."));
+    qint64 timeoutSeconds = 0;
+    if (!readNumber(parser.value(timeout), &timeoutSeconds) || timeoutSeconds < 1)
+        return usage(parser, QStringLiteral("--timeout takes a whole number of seconds from 1."));
 
     std::function<void()> run;
     if (command == u"ads" && args.size() == 1) {
@@ -115,5 +125,9 @@ int main(int argc, char **argv)
         return usage(parser, QStringLiteral("Unknown command or wrong arguments: %1").arg(args.join(u' ')));
     }
     QTimer::singleShot(0, &app, run);
+    QTimer::singleShot(std::chrono::seconds(timeoutSeconds), &app, [timeoutSeconds] {
+        std::fprintf(stderr, "no answer within %lld s\n", static_cast<long long>(timeoutSeconds));
+        QCoreApplication::exit(kExitFailed);
+    });
     return app.exec();
 }
