@@ -5,6 +5,7 @@
 #include "ListModel.h"
 #include "Model.h"
 #include "PostModel.h"
+#include "RecordSorting.h"
 #include "ReplyListModel.h"
 
 #include <gtest/gtest.h>
@@ -86,6 +87,7 @@ TEST(FieldValue, DescribesValuesAsFormatObjectDoes)
     EXPECT_EQ(FieldValue::describe(QJsonValue(5120)), QStringLiteral("5120"));
     EXPECT_EQ(FieldValue::describe(QJsonValue(-3)), QStringLiteral("-3"));
     EXPECT_EQ(FieldValue::describe(QJsonValue(12.5)), QStringLiteral("12.5"));
+    EXPECT_EQ(FieldValue::describe(QJsonValue(0.1)), QStringLiteral("0.1"));
     EXPECT_EQ(FieldValue::describe(QJsonValue(QStringLiteral("文字"))), QStringLiteral("文字"));
     EXPECT_EQ(FieldValue::describe(QJsonValue(QJsonValue::Undefined)), QStringLiteral("(null)"));
     EXPECT_EQ(FieldValue::describe(QJsonValue(QJsonValue::Null)), QStringLiteral("<null>"));
@@ -114,4 +116,33 @@ TEST(FieldValue, LabelsShowNothingForAbsentOrNull)
     EXPECT_EQ(FieldValue::displayText(QJsonValue(3)), QStringLiteral("3"));
     EXPECT_EQ(FieldValue::optionalText(QJsonValue(QJsonValue::Null)), std::nullopt);
     EXPECT_EQ(FieldValue::optionalText(QJsonValue(QStringLiteral("x"))), QStringLiteral("x"));
+}
+
+TEST(RecordSorting, RepliesSplitByIstopAndTheLastParsedIsKeptEvenWhenDropped)
+{
+    const QJsonArray answer = QJsonDocument::fromJson(R"([
+        {"content":"a","istop":1}, {"content":"b","istop":0}, 5, "x", null,
+        {"content":"c","istop":"1"}, {"content":"d"}, {"content":"e","istop":2}])").array();
+    const RecordSorting::Replies replies = RecordSorting::splitReplies(answer);
+    ASSERT_EQ(replies.highlighted.size(), 2);
+    EXPECT_EQ(replies.highlighted.at(1).content(), QStringLiteral("c"));
+    // A reply without istop counts as 0; istop 2 is dropped but was still the last parsed.
+    ASSERT_EQ(replies.all.size(), 2);
+    EXPECT_EQ(replies.all.at(1).content(), QStringLiteral("d"));
+    ASSERT_TRUE(replies.lastParsed);
+    EXPECT_EQ(replies.lastParsed->content(), QStringLiteral("e"));
+    EXPECT_FALSE(RecordSorting::splitReplies(QJsonValue(QJsonValue::Null)).lastParsed);
+}
+
+TEST(RecordSorting, TopTopicsGoToPinnedOrGuidesByType)
+{
+    const QJsonArray answer = QJsonDocument::fromJson(R"([
+        {"tid":1,"topictype":1}, {"tid":2,"topictype":2}, {"tid":3,"topictype":3}, {"tid":4,"topictype":4},
+        {"tid":5,"topictype":0}, {"tid":6,"topictype":5}, {"tid":7}, [1]])").array();
+    const RecordSorting::TopTopics topics = RecordSorting::splitTopTopics(answer);
+    ASSERT_EQ(topics.pinned.size(), 2);
+    EXPECT_EQ(topics.pinned.at(0).tid(), 1);
+    EXPECT_EQ(topics.pinned.at(1).tid(), 3);
+    ASSERT_EQ(topics.guides.size(), 2);
+    EXPECT_EQ(topics.guides.at(1).tid(), 4);
 }

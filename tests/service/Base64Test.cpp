@@ -55,6 +55,8 @@ TEST(Base64Helpers, DecoderSkipsBreaksPaddingAndStrayCharacters)
     EXPECT_EQ(Base64::dataWithBase64EncodedString(QStringLiteral("YQ")), QByteArray("a"));
     EXPECT_EQ(Base64::dataWithBase64EncodedString(QStringLiteral("YWI")), QByteArray("ab"));
     EXPECT_EQ(Base64::dataWithBase64EncodedString(QStringLiteral("YWJjZ")), QByteArray("abc"));
+    // Characters beyond ASCII are stray characters too, not letters of the alphabet.
+    EXPECT_EQ(Base64::dataWithBase64EncodedString(QStringLiteral("Y\u00e9Q==")), QByteArray("a"));
 }
 
 TEST(Base64Helpers, InputWithoutAlphabetCharactersIsAbsent)
@@ -63,6 +65,8 @@ TEST(Base64Helpers, InputWithoutAlphabetCharactersIsAbsent)
     EXPECT_EQ(Base64::dataWithBase64EncodedString(QStringLiteral("==\r\n  ")), std::nullopt);
     EXPECT_EQ(Base64::stringWithBase64EncodedString(QStringLiteral("!!")), std::nullopt);
     EXPECT_EQ(Base64::dataWithBase64EncodedString(QStringLiteral("Y")), std::nullopt);
+    // Bytes that are not UTF-8 are no string.
+    EXPECT_EQ(Base64::stringWithBase64EncodedString(QStringLiteral("/w==")), std::nullopt);
 }
 
 TEST(Base64Helpers, WrappingBreaksFullLinesOfWholeGroupsOnly)

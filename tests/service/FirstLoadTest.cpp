@@ -11,7 +11,6 @@
 #include <QJsonArray>
 #include <QTemporaryDir>
 
-using testsupport::spinFor;
 using testsupport::waitUntil;
 
 namespace {
@@ -53,7 +52,7 @@ protected:
                                             *storedId = id;
                                     }});
         EXPECT_TRUE(waitUntil([&] { return boards && (stored || !askedForUser); }));
-        spinFor(100);
+        EXPECT_TRUE(waitUntil([] { return HttpSessionManager::requestsInFlight() == 0; }));
         QStringList sent;
         for (const auto &request : server.requests()) {
             const QJsonObject payload = forumanswer::requestPayload(request.query());

@@ -16,12 +16,15 @@
 #include <QThread>
 #include <QUrl>
 
-using testsupport::spinFor;
 using testsupport::waitUntil;
 
 namespace {
 
-constexpr int kQuietMs = 300;
+// Every request has finished, so any handler that was going to run has run.
+bool allAnswered()
+{
+    return HttpSessionManager::requestsInFlight() == 0;
+}
 
 class TransportTest : public ::testing::Test
 {
@@ -119,8 +122,7 @@ TEST_F(TransportTest, EncipheredCallsAcceptOnlyJsonContentTypes)
     server.clear();
     answerWith(forumanswer::withRData(7), "text/html");
     HttpRequest::GetTopTopicSuccessBlock(recorder(), {}, QStringLiteral("{}"));
-    ASSERT_TRUE(waitUntil([this] { return !log.lines().isEmpty(); }));
-    spinFor(kQuietMs);
+    ASSERT_TRUE(waitUntil(allAnswered));
     EXPECT_TRUE(calls.isEmpty());
     ASSERT_EQ(log.lines().size(), 1);
     EXPECT_TRUE(log.lines().at(0).contains(QStringLiteral("unacceptable content-type: text/html")));
@@ -150,7 +152,7 @@ TEST_F(TransportTest, NullDataCallsNothingAndLogsNothing)
     answerWith(R"({"Data":null})");
     HttpRequest::GetTopicDetailSuccessBlock(recorder(), {}, QStringLiteral("{}"));
     ASSERT_TRUE(waitForRequest());
-    spinFor(kQuietMs);
+    ASSERT_TRUE(waitUntil(allAnswered));
     EXPECT_TRUE(calls.isEmpty());
     EXPECT_TRUE(log.lines().isEmpty());
 }
@@ -192,7 +194,6 @@ TEST_F(TransportTest, FailuresLogOneLineAndNeverCallBack)
     ASSERT_TRUE(waitUntil([this] { return log.lines().size() == 4; }));
     const QStringList refused = log.lines().mid(2);
     EXPECT_EQ(refused.filter(QStringLiteral("error----:")).size(), 1) << refused.join(u'\n').toStdString();
-
-    spinFor(kQuietMs);
+    ASSERT_TRUE(waitUntil(allAnswered));
     EXPECT_TRUE(calls.isEmpty());
 }

@@ -89,14 +89,32 @@ void RecordingHttpServer::serve(QTcpSocket *socket)
         if (!parsed.complete)
             return;
         m_requests.append(parsed.request);
-        const Response response = m_responder ? m_responder(parsed.request) : Response{};
-        QByteArray out = "HTTP/1.1 " + QByteArray::number(response.status) + ' ' + reasonFor(response.status)
-                         + "\r\nContent-Length: " + QByteArray::number(response.body.size())
-                         + "\r\nConnection: close\r\n";
-        if (!response.contentType.isEmpty())
-            out += "Content-Type: " + response.contentType + "\r\n";
-        out += "\r\n" + response.body;
-        socket->write(out);
-        socket->disconnectFromHost();
+        if (m_holding)
+            m_held.append({QPointer<QTcpSocket>(socket), parsed.request});
+        else
+            answer(socket, parsed.request);
     });
+}
+
+void RecordingHttpServer::release()
+{
+    m_holding = false;
+    const auto held = std::exchange(m_held, {});
+    for (const auto &[socket, request] : held) {
+        if (socket)
+            answer(socket, request);
+    }
+}
+
+void RecordingHttpServer::answer(QTcpSocket *socket, const Request &request)
+{
+    const Response response = m_responder ? m_responder(request) : Response{};
+    QByteArray out = "HTTP/1.1 " + QByteArray::number(response.status) + ' ' + reasonFor(response.status)
+                     + "\r\nContent-Length: " + QByteArray::number(response.body.size())
+                     + "\r\nConnection: close\r\n";
+    if (!response.contentType.isEmpty())
+        out += "Content-Type: " + response.contentType + "\r\n";
+    out += "\r\n" + response.body;
+    socket->write(out);
+    socket->disconnectFromHost();
 }

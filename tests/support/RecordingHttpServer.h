@@ -6,7 +6,9 @@
 #include <QByteArray>
 #include <QList>
 #include <QMap>
+#include <QPointer>
 #include <QTcpServer>
+#include <QTcpSocket>
 
 #include <functional>
 
@@ -44,13 +46,19 @@ public:
     QString apiRoot() const { return baseUrl() + QStringLiteral("api/"); }
 
     void setResponder(Responder responder) { m_responder = std::move(responder); }
+    // While holding, requests are recorded but their answers wait for release().
+    void hold() { m_holding = true; }
+    void release();
     const QList<Request> &requests() const { return m_requests; }
     void clear() { m_requests.clear(); }
 
 private:
     void serve(QTcpSocket *socket);
+    void answer(QTcpSocket *socket, const Request &request);
 
     QTcpServer m_server;
     Responder m_responder;
     QList<Request> m_requests;
+    bool m_holding = false;
+    QList<std::pair<QPointer<QTcpSocket>, Request>> m_held;
 };

@@ -55,6 +55,15 @@ TEST(TextHeights, AbsentIsZeroAndLongerOrNarrowerIsTaller)
     EXPECT_GT(JsonChangDic::adaptiveWithText(QStringLiteral("a\nb\nc")), one * 2.5);
 }
 
+TEST(TextHeights, AWordTooLongForALineBreaksAtACharacter)
+{
+    const qreal one = JsonChangDic::adaptiveWithText(QStringLiteral("a"));
+    const QString url = QStringLiteral("https://example.com/") + QString(80, u'a');
+    // Some 100 Latin letters at 17 points need three lines of 355 points, not one overflowing line.
+    EXPECT_GE(JsonChangDic::adaptiveWithText(url), one * 2.5);
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(QString()), 0);
+}
+
 TEST(TextHeights, FollowTheScreenWidthAndCacheNeverChangesAResult)
 {
     const QString paragraph = QString(QStringLiteral("宽度不同，高度不同。")).repeated(10);

@@ -1,5 +1,6 @@
 #pragma once
-// Builds and reads forum answer bodies the way the server does, for transport tests.
+// Builds and reads forum answer bodies the way the server does, for tests that script the
+// server side. Header-only; the test links the codec (quorvel_codec).
 
 #include "DesCryptUtil.h"
 
