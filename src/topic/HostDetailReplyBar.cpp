@@ -33,11 +33,23 @@ const QString kEmojiLanguage = QStringLiteral("emoji");
 // Any well-known public host serves; only the platform's reachability is read.
 const QString kReachabilityHost = QStringLiteral("www.debian.org");
 
+// The bar's frames, in points; "above" counts up from the bottom of the screen.
 constexpr int kReplyFont = 14;
+constexpr qreal kIconLeft = 15;
+constexpr qreal kIconSize = 20;
+constexpr qreal kIconFirstAbove = 96;
+constexpr qreal kIconRestAbove = 38;
+constexpr qreal kIconAfterKeyboardAbove = 36;
 constexpr qreal kBoxLeft = 45;
 constexpr qreal kBoxRightRoom = 110;
 constexpr qreal kBoxHeight = 50;
+constexpr qreal kBoxFirstAbove = 100;
+constexpr qreal kBoxRestAbove = 40;
 constexpr qreal kBoxMaxGrowth = 41;
+constexpr qreal kSendRightRoom = 55;
+constexpr qreal kSendRestAbove = 102;
+constexpr QSizeF kSendSize(50, 25);
+// Over the keyboard, the icon, box and send button share one top.
 constexpr qreal kAboveKeyboard = 37;
 const QRectF kPlaceholderFrame(10, 5, 200, 15);
 
@@ -51,11 +63,11 @@ void HostDetailViewController::buildReplyBar()
     const qreal W = screenW();
     const qreal H = screenH();
 
-    m_replyImage = new ImageView(QRectF(15, H - 96, 20, 20));
+    m_replyImage = new ImageView(QRectF(kIconLeft, H - kIconFirstAbove, kIconSize, kIconSize));
     m_replyImage->setImage(ReplyIcon::image());
     view()->addSubview(m_replyImage);
 
-    m_replyTextView = new TextView(QRectF(kBoxLeft, H - 100, W - kBoxRightRoom, kBoxHeight));
+    m_replyTextView = new TextView(QRectF(kBoxLeft, H - kBoxFirstAbove, W - kBoxRightRoom, kBoxHeight));
     m_replyTextView->setFont(Fonts::systemFontOfSize(kReplyFont));
     m_replyTextView->setDelegate(this);
     m_replyTextView->setContentOffset(QPointF(0, 0));
@@ -68,7 +80,7 @@ void HostDetailViewController::buildReplyBar()
     connect(m_textlabel, &Button::touchUpInside, this, &HostDetailViewController::textlabelAction);
     m_replyTextView->addSubview(m_textlabel);
 
-    m_sender = new Button(QRectF(W - 55, H - 102, 50, 25));
+    m_sender = new Button(QRectF(QPointF(W - kSendRightRoom, H - kSendRestAbove), kSendSize));
     m_sender->setTitle(QStringLiteral("发送"));
     m_sender->setTitleColor(Qt::black);
     m_sender->setContentHorizontalAlignment(ContentHorizontalAlignment::Left);
@@ -76,8 +88,8 @@ void HostDetailViewController::buildReplyBar()
     connect(m_sender, &Button::touchUpInside, this, &HostDetailViewController::handleAction);
     view()->addSubview(m_sender);
 
-    m_replyImage->setFrame(QRectF(15, H - 38, 20, 20));
-    m_replyTextView->setFrame(QRectF(kBoxLeft, H - 40, W - kBoxRightRoom, kBoxHeight));
+    m_replyImage->setFrame(QRectF(kIconLeft, H - kIconRestAbove, kIconSize, kIconSize));
+    m_replyTextView->setFrame(QRectF(kBoxLeft, H - kBoxRestAbove, W - kBoxRightRoom, kBoxHeight));
 
     KeyboardObserver &keyboard = KeyboardObserver::shared();
     connect(&keyboard, &KeyboardObserver::keyboardWillShow, this, &HostDetailViewController::keyboardWillShow);
@@ -141,8 +153,8 @@ void HostDetailViewController::keyboardWillShow(const KeyboardNotification &noti
     m_tableView->setFrame(QRectF(0, 0, W, view()->frame().height() - TopicStyle::kReplyBarHeight - height));
     m_sender->setHidden(false);
     m_replyTextView->setFrame(QRectF(kBoxLeft, top, W - kBoxRightRoom, kBoxHeight));
-    m_replyImage->setFrame(QRectF(15, top, 20, 20));
-    m_sender->setFrame(QRectF(W - 55, top, 50, 25));
+    m_replyImage->setFrame(QRectF(kIconLeft, top, kIconSize, kIconSize));
+    m_sender->setFrame(QRectF(QPointF(W - kSendRightRoom, top), kSendSize));
 }
 
 void HostDetailViewController::keyboardWillHide(const KeyboardNotification &)
@@ -152,12 +164,12 @@ void HostDetailViewController::keyboardWillHide(const KeyboardNotification &)
     const qreal W = screenW();
     const qreal H = screenH();
     m_tableView->setFrame(QRectF(0, 0, W, view()->frame().height() - TopicStyle::kReplyBarHeight));
-    m_sender->setFrame(QRectF(W - 55, H - 102, 50, 25));
+    m_sender->setFrame(QRectF(QPointF(W - kSendRightRoom, H - kSendRestAbove), kSendSize));
     m_sender->setHidden(true);
     if (m_replyTextView->text().isEmpty())
         m_textlabel->setHidden(false);
-    m_replyTextView->setFrame(QRectF(kBoxLeft, H - 40, W - kBoxRightRoom, kBoxHeight));
-    m_replyImage->setFrame(QRectF(15, H - 36, 20, 20));
+    m_replyTextView->setFrame(QRectF(kBoxLeft, H - kBoxRestAbove, W - kBoxRightRoom, kBoxHeight));
+    m_replyImage->setFrame(QRectF(kIconLeft, H - kIconAfterKeyboardAbove, kIconSize, kIconSize));
 }
 
 bool HostDetailViewController::isConnectionAvailable() const
