@@ -44,6 +44,10 @@ TEST_F(PolicyTest, SendIntervalRule)
     EXPECT_EQ(app().minReportInterval(), 86400);
     config().setConfigure(6, QStringLiteral("lfExperimentRPT"));
     EXPECT_EQ(app().minReportInterval(), 120);
+    // A value that is there but not a number is taken (as 0, so 90), not passed over.
+    storeImprint(config(), {{QStringLiteral("report_interval"), QStringLiteral("86400")},
+                            {QStringLiteral("test_report_interval"), QStringLiteral("hourly")}});
+    EXPECT_EQ(app().minReportInterval(), 90);
 }
 
 class IntegratedTestModePolicyTest : public AnalyticsFixture
@@ -80,6 +84,13 @@ TEST_F(PolicyTest, ReportPolicySourcesAndNormalisation)
     EXPECT_EQ(app().reportPolicy(), 1u);
     config().setConfigure(6, QStringLiteral("lfExperimentRPT"));
     EXPECT_EQ(app().reportPolicy(), 6u);
+
+    // The first present source wins even when it is not a number: read as 0, it becomes 1.
+    config().removeConfigureWithKey(QStringLiteral("lfExperimentRPT"));
+    storeImprint(config(), {{QStringLiteral("report_policy"), QStringLiteral("often")}});
+    EXPECT_EQ(app().reportPolicy(), 1u);   // not the stored 8 behind it
+    config().setConfigure(QStringLiteral("8 per day"), QStringLiteral("lfExperimentRPT"));
+    EXPECT_EQ(app().reportPolicy(), 8u);   // its leading number
 }
 
 TEST_F(PolicyTest, WhetherToSendByPolicy)
@@ -181,19 +192,41 @@ TEST_F(PolicyTest, DelayedEnvelopeCarriesTheDelayItWaits)
     ASSERT_EQ(envelopes.size(), 1);
     EXPECT_FALSE(internal().hasDataInMemory());
     const LFTUALogEntry entry = LFTDecode<LFTUALogEntry>(envelopes[0]);
-    int delay = 0;
-    if (entry.control_policyIsSet()) {
-        delay = entry.control_policy().latent().latency();
-        EXPECT_GE(delay, 1);
-        EXPECT_EQ(entry.control_policy().latent().interval(), qint64(1296000) * 1000);
-    }
+    ASSERT_TRUE(entry.control_policyIsSet());
+    const int delay = entry.control_policy().latent().latency();
+    EXPECT_EQ(delay, 1764);   // the draw of the seeded random source
+    EXPECT_EQ(entry.control_policy().latent().interval(), qint64(1296000) * 1000);
     EXPECT_EQ(job().latency(), 0u);
-    if (delay > 0) {
-        clock->advance(delay - 0.5);
-        EXPECT_EQ(jobsStarted, before);
-    }
+    clock->advance(delay - 0.5);
+    EXPECT_EQ(jobsStarted, before);
     clock->advance(1);
     EXPECT_EQ(jobsStarted, before + 1);
+}
+
+TEST_F(PolicyTest, DelayedSendDiesWithItsComponent)
+{
+    config().setConfigure(kStart - 1296000, QStringLiteral("lastPostInterval"));
+    start();
+    ASSERT_TRUE(job().latencyJobPending());
+    ASSERT_EQ(clock->pendingTasks(), 1);
+    context.reset();
+    clock->advance(LFAnalyticsJob::kMaxLatency + 256);
+    EXPECT_EQ(clock->pendingTasks(), 0);
+    EXPECT_EQ(jobsStarted, 0);
+}
+
+TEST(SystemClockTest, DelayedWorkDiesWithItsOwner)
+{
+    LFSystemClock clock;
+    QObject kept;
+    auto gone = std::make_unique<QObject>();
+    bool goneRan = false;
+    bool keptRan = false;
+    clock.runAfter(0, gone.get(), [&goneRan] { goneRan = true; });
+    clock.runAfter(0, &kept, [&keptRan] { keptRan = true; });
+    gone.reset();
+    ASSERT_TRUE(testsupport::waitUntil([&keptRan] { return keptRan; }));
+    EXPECT_FALSE(goneRan);   // due first, so it would have run by now
 }
 
 TEST_F(PolicyTest, ThirtySixHoursOfSilenceSendsAtOnceWithAZeroDelayPolicy)
@@ -264,6 +297,10 @@ TEST_F(PolicyTest, LatencyRangesOverManySeededDraws)
     storeImprint(config(), {{QStringLiteral("latent"), QStringLiteral("0")}});
     const QList<uint32_t> none = draw(2000);
     EXPECT_EQ(std::count(none.begin(), none.end(), 0u) + rareCount(none), none.size());
+    // A server value that is not a number still replaces the limit of 1800 set here.
+    storeImprint(config(), {{QStringLiteral("latent"), QStringLiteral("later")}});
+    const QList<uint32_t> malformed = draw(2000);
+    EXPECT_EQ(std::count(malformed.begin(), malformed.end(), 0u) + rareCount(malformed), malformed.size());
 
     config().removeConfigureWithKey(QStringLiteral("lfSignature"));
     EXPECT_EQ(job().latencySeed(), 0u);

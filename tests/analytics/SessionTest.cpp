@@ -3,9 +3,18 @@
 
 #include "AnalyticsFixture.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QThread>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
 
 using SessionTest = AnalyticsFixture;
 
@@ -83,6 +92,46 @@ TEST_F(SessionTest, TerminatingEndsTheSessionOnceAndAtOnce)
     EXPECT_EQ(context->dispatch().pendingCount(), 0);
     internal().loadCache();
     EXPECT_EQ(internal().containers().terminates.size(), 1);
+
+    // Next launch: the app goes inactive first, records more, and is then killed.
+    makeContext();
+    start();
+    clock->advance(20);
+    session().appInactivate();
+    drain();
+    events().event(QStringLiteral("after resign"), QString(), 1, 0);
+    drain();
+    events().event(QStringLiteral("still queued"), QString(), 1, 0);
+    session().appInactivate(true);
+    EXPECT_EQ(context->dispatch().pendingCount(), 0);
+    EXPECT_FALSE(internal().hasDataInMemory());   // saved on this thread, before returning
+
+    makeContext();
+    internal().loadCache();
+    const auto saved = internal().containers();
+    EXPECT_EQ(saved.terminates.size(), 2);   // the second session ended once, at resign
+    ASSERT_EQ(saved.events.size(), 2);
+    EXPECT_EQ(saved.events[0].event_id, QStringLiteral("after resign"));
+    EXPECT_EQ(saved.events[1].event_id, QStringLiteral("still queued"));
+}
+
+TEST_F(SessionTest, SessionEndRecordKeepsItsOwnIdAndTimesWhenTheNextSessionBeginsFirst)
+{
+    start();
+    const QString first = internal().sessionId();
+    clock->advance(40);
+    session().appInactivate();   // the end record is made later, on the main thread
+    clock->advance(5);
+    session().appActivate();
+    drain();
+    ASSERT_NE(internal().sessionId(), first);
+
+    const auto terminates = internal().containers().terminates;
+    ASSERT_EQ(terminates.size(), 1);
+    EXPECT_EQ(terminates[0].session_id, first);
+    EXPECT_EQ(terminates[0].startTime, kStart);
+    EXPECT_EQ(terminates[0].endTime, kStart + 40);
+    EXPECT_EQ(terminates[0].duration, 40);
 }
 
 TEST_F(SessionTest, PageViewsGoIntoTheSessionRecord)
@@ -170,6 +219,9 @@ TEST_F(SessionTest, WorkFromAnyThreadRunsOnTheMainThread)
     worker->start();
     worker->wait();
     delete worker;
+    // Nothing was worked on the worker: it all waits for this thread.
+    EXPECT_EQ(context->dispatch().pendingCount(), 51);
+    EXPECT_TRUE(internal().containers().events.isEmpty());
     drain();
     EXPECT_EQ(internal().containers().events.size(), 50);
     EXPECT_TRUE(logged(QStringLiteral("LFLOG: WARNING: unkown event type")));
@@ -200,6 +252,80 @@ TEST_F(SessionTest, RecordsSurviveTheNextLaunchThroughTheCacheFile)
     session().appActivate();
     drain();
     EXPECT_EQ(internal().containers().events.size(), 1);
+}
+
+TEST_F(SessionTest, ProfileChangeBeforeTheSessionStartWasWorkedSendsTheLastLaunchsRecords)
+{
+    start();
+    events().event(QStringLiteral("last launch"), QString(), 1, 0);
+    drain();
+    session().appInactivate();
+    drain();
+    ASSERT_TRUE(QFile::exists(internal().cacheFilePath()));
+
+    // The sign-in is queued before the session start has read the cache file.
+    makeContext();
+    app().startWithAppkey(kAppKey, 1, QString());
+    context->dispatch().send(QStringList{QStringLiteral("weibo"), QStringLiteral("u1")}, LFEventTypeProfileSignIn);
+    ASSERT_TRUE(testsupport::waitUntil([this] {
+        return session().sessionStatus() == LFAnalyticsSession::Active;
+    }));
+    drain();
+
+    ASSERT_EQ(envelopes.size(), 1);
+    const LFTUALogEntry entry = LFTDecode<LFTUALogEntry>(envelopes[0]);
+    QStringList names;
+    for (const LFTInstantMsg &messages : entry.instant_msgs())
+        for (const LFTEvent &event : messages.events())
+            names.append(event.name());
+    EXPECT_EQ(names, QStringList{QStringLiteral("last launch")});
+    EXPECT_EQ(entry.sessions().size(), 2);   // the last launch's and the one split off
+    EXPECT_FALSE(QFile::exists(internal().cacheFilePath()));
+    EXPECT_FALSE(internal().hasDataInMemory());   // sent once, not read back again
+}
+
+TEST_F(SessionTest, CacheFileThatCannotBeOpenedIsKeptAndNotOverwritten)
+{
+    // A socket in place of the file: it exists, but opening it fails, for root too.
+    const QString path = internal().cacheFilePath();
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).absolutePath()));
+    const QByteArray nativePath = QFile::encodeName(path);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(size_t(nativePath.size()), sizeof(address.sun_path));
+    std::memcpy(address.sun_path, nativePath.constData(), size_t(nativePath.size()));
+    const int socketFd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_GE(socketFd, 0);
+    ASSERT_EQ(::bind(socketFd, reinterpret_cast<const sockaddr *>(&address), sizeof(address)), 0);
+    ::close(socketFd);
+
+    app().setLogEnabled(true);
+    start();
+    events().event(QStringLiteral("kept in memory"), QString(), 1, 0);
+    drain();
+    session().appInactivate();
+    drain();
+    auto loggedStartingWith = [](const QString &prefix) {
+        const QStringList &lines = capturedLogLines();
+        return std::any_of(lines.cbegin(), lines.cend(), [&prefix](const QString &line) {
+            return line.startsWith(prefix);
+        });
+    };
+    EXPECT_TRUE(loggedStartingWith(QStringLiteral("LFLOG: cache file not read: ")));
+    EXPECT_FALSE(loggedStartingWith(QStringLiteral("LFLOG: cache file discarded")));
+    const QFileInfo kept(path);
+    EXPECT_TRUE(kept.exists());
+    EXPECT_FALSE(kept.isFile());   // still the socket: neither removed nor replaced
+    EXPECT_EQ(internal().containers().events.size(), 1);
+    EXPECT_EQ(internal().containers().terminates.size(), 1);
+
+    // An envelope takes what memory holds and leaves the unread file alone.
+    session().appActivate();
+    context->dispatch().send(QStringList{QStringLiteral("weibo"), QStringLiteral("u1")}, LFEventTypeProfileSignIn);
+    drain();
+    EXPECT_EQ(envelopes.size(), 1);
+    EXPECT_FALSE(internal().hasDataInMemory());
+    EXPECT_TRUE(QFileInfo(path).exists());
 }
 
 TEST_F(SessionTest, DamagedCacheFileIsDiscardedWithALogLine)

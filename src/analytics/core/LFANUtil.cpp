@@ -1,6 +1,10 @@
 #include "LFANUtil.h"
 
+#include <QRegularExpression>
 #include <QStringView>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 int utf8Bytes(char32_t codePoint)
@@ -41,4 +45,32 @@ int LFANUtil::utf8Length(const QString &text)
 bool LFANUtil::isBlank(const QString &text)
 {
     return text.trimmed().isEmpty();
+}
+
+std::optional<double> LFANUtil::presentNumber(const QString &text)
+{
+    if (text.isNull())
+        return std::nullopt;
+    static const QRegularExpression leadingNumber(
+        QStringLiteral("^\\s*[+-]?(\\d+\\.?\\d*|\\.\\d+)([eE][+-]?\\d+)?"));
+    const QRegularExpressionMatch match = leadingNumber.match(text);
+    const double number = match.hasMatch() ? match.captured().trimmed().toDouble() : 0;
+    return std::isfinite(number) ? number : 0;
+}
+
+std::optional<double> LFANUtil::presentNumber(const QVariant &value)
+{
+    if (!value.isValid() || value.isNull())
+        return std::nullopt;
+    if (value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray)
+        return presentNumber(value.toString());
+    const double number = value.toDouble();
+    return std::isfinite(number) ? number : 0;
+}
+
+uint32_t LFANUtil::toUnsigned32(double number)
+{
+    // Clamped first: a double beyond 64 bits has no integer value to wrap.
+    constexpr double limit = 9.0e18;
+    return uint32_t(int64_t(std::clamp(number, -limit, limit)));
 }

@@ -1,5 +1,6 @@
 #include "LFAnalyticsApp.h"
 
+#include "LFANUtil.h"
 #include "LFAnalyticsConfig.h"
 #include "LFAnalyticsContext.h"
 #include "LFAnalyticsSession.h"
@@ -12,14 +13,16 @@
 #include <optional>
 
 namespace {
-// Numbers that arrive as text from the server or the store.
-std::optional<double> numberFromText(const QString &text)
+// Settings are taken from the first source that has them: a value that is there but not a
+// number reads as 0 and is left to the range checks after it.
+std::optional<double> storedValue(const LFAnalyticsContext &context, const QString &key)
 {
-    if (text.isNull())
-        return std::nullopt;
-    bool ok = false;
-    const double value = text.trimmed().toDouble(&ok);
-    return ok ? std::optional<double>(value) : std::nullopt;
+    return LFANUtil::presentNumber(context.config().configureWithKey(key));
+}
+
+std::optional<double> serverValue(const LFAnalyticsContext &context, const QString &key)
+{
+    return LFANUtil::presentNumber(context.thrift().imprintPropertyValueWithKey(key));
 }
 } // namespace
 
@@ -124,17 +127,16 @@ double LFAnalyticsApp::logSendInterval() const
 uint32_t LFAnalyticsApp::reportPolicy() const
 {
     const LFAnalyticsOptions &options = m_context.options();
-    LFAnalyticsConfig &config = m_context.config();
     std::optional<double> policy;
     if (!options.integratedTestMode)
-        policy = config.numberWithKey(QStringLiteral("lfExperimentRPT"));
+        policy = storedValue(m_context, QStringLiteral("lfExperimentRPT"));
     if (!policy)
-        policy = numberFromText(m_context.thrift().imprintPropertyValueWithKey(QStringLiteral("report_policy")));
+        policy = serverValue(m_context, QStringLiteral("report_policy"));
     if (!policy)
-        policy = config.numberWithKey(QStringLiteral("report_policy"));
+        policy = storedValue(m_context, QStringLiteral("report_policy"));
     if (!policy)
-        policy = config.numberWithKey(QStringLiteral("lfcReportPolicy"));
-    const uint32_t value = policy ? uint32_t(qint64(*policy)) : storedReportPolicy();
+        policy = storedValue(m_context, QStringLiteral("lfcReportPolicy"));
+    const uint32_t value = policy ? LFANUtil::toUnsigned32(*policy) : storedReportPolicy();
 
     if (value == 0 && options.integratedTestMode && options.debugging)
         return 0;
@@ -147,18 +149,16 @@ double LFAnalyticsApp::minReportInterval() const
 {
     if (m_context.options().integratedTestMode)
         return kMinReportInterval;
-    LFAnalyticsConfig &config = m_context.config();
-    LFAnalyticsThrift &thrift = m_context.thrift();
     std::optional<double> interval;
-    const std::optional<double> experiment = config.numberWithKey(QStringLiteral("lfExperimentRPT"));
+    const std::optional<double> experiment = m_context.config().numberWithKey(QStringLiteral("lfExperimentRPT"));
     if (experiment && *experiment == 6)
-        interval = numberFromText(thrift.imprintPropertyValueWithKey(QStringLiteral("test_report_interval")));
+        interval = serverValue(m_context, QStringLiteral("test_report_interval"));
     if (!interval)
-        interval = numberFromText(thrift.imprintPropertyValueWithKey(QStringLiteral("report_interval")));
+        interval = serverValue(m_context, QStringLiteral("report_interval"));
     if (!interval)
-        interval = config.numberWithKey(QStringLiteral("lefiseix_report_interval"));
+        interval = storedValue(m_context, QStringLiteral("lefiseix_report_interval"));
     if (!interval)
-        interval = config.numberWithKey(QStringLiteral("lfcReportInterval"));
+        interval = storedValue(m_context, QStringLiteral("lfcReportInterval"));
     if (!interval || *interval < kMinReportInterval || *interval > kMaxReportInterval)
         return kMinReportInterval;
     return *interval;

@@ -66,30 +66,32 @@ bool write(const QString &path, const LFANContainers &containers, QString &probl
     return true;
 }
 
-std::optional<LFANContainers> read(const QString &path, QString &problem)
+ReadResult read(const QString &path)
 {
+    ReadResult result;
     QFile file(path);
     if (!file.exists())
-        return std::nullopt;
+        return result;
     if (!file.open(QIODevice::ReadOnly)) {
-        problem = file.errorString();
-        return std::nullopt;
+        result.problem = file.errorString();
+        return result;
     }
+    auto damage = [&result](const QString &problem) {
+        result.problem = problem;
+        result.damaged = true;
+        return result;
+    };
     const QByteArray bytes = file.readAll();
     constexpr int headerSize = 8 + kDigestSize;
     QDataStream header(bytes);
     quint32 magic = 0;
     quint32 version = 0;
     header >> magic >> version;
-    if (bytes.size() < headerSize || magic != kMagic || version != kFormatVersion) {
-        problem = QStringLiteral("unknown format");
-        return std::nullopt;
-    }
+    if (bytes.size() < headerSize || magic != kMagic || version != kFormatVersion)
+        return damage(QStringLiteral("unknown format"));
     const QByteArray body = bytes.mid(headerSize);
-    if (QCryptographicHash::hash(body, QCryptographicHash::Sha1) != bytes.mid(8, kDigestSize)) {
-        problem = QStringLiteral("digest mismatch");
-        return std::nullopt;
-    }
+    if (QCryptographicHash::hash(body, QCryptographicHash::Sha1) != bytes.mid(8, kDigestSize))
+        return damage(QStringLiteral("digest mismatch"));
     LFANContainers containers;
     try {
         QDataStream in(body);
@@ -99,15 +101,13 @@ std::optional<LFANContainers> read(const QString &path, QString &problem)
         readList(in, containers.ekvs);
         readList(in, containers.terminates);
         readList(in, containers.pages);
-        if (in.status() != QDataStream::Ok || !in.atEnd()) {
-            problem = QStringLiteral("unreadable records");
-            return std::nullopt;
-        }
+        if (in.status() != QDataStream::Ok || !in.atEnd())
+            return damage(QStringLiteral("unreadable records"));
     } catch (const std::bad_alloc &) {
-        problem = QStringLiteral("unreadable records");
-        return std::nullopt;
+        return damage(QStringLiteral("unreadable records"));
     }
-    return containers;
+    result.containers = std::move(containers);
+    return result;
 }
 
 } // namespace LFAnalyticsCache

@@ -12,8 +12,14 @@ namespace LFAnalyticsCache {
 
 // Writes atomically; on failure `problem` says why.
 bool write(const QString &path, const LFANContainers &containers, QString &problem);
-// The archived containers; nothing when the file is absent, or when it is damaged, in which
-// case `problem` says why.
-std::optional<LFANContainers> read(const QString &path, QString &problem);
+struct ReadResult
+{
+    std::optional<LFANContainers> containers;   // nothing when absent, unreadable or damaged
+    QString problem;                            // why not, when the file is there
+    // The file was read and is not a sound archive; a file that could not be opened is not.
+    bool damaged = false;
+};
+
+ReadResult read(const QString &path);
 
 } // namespace LFAnalyticsCache

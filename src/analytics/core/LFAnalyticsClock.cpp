@@ -25,14 +25,17 @@ uint32_t LFSystemClock::random32()
     return QRandomGenerator::global()->generate();
 }
 
-void LFSystemClock::runAfter(double seconds, std::function<void()> task)
+void LFSystemClock::runAfter(double seconds, QObject *owner, std::function<void()> task)
 {
-    QCoreApplication *app = QCoreApplication::instance();
-    if (!app)
+    if (!QCoreApplication::instance()) {
+        // Dropping the task would leave whoever waits for it waiting for good.
+        task();
         return;
+    }
     const int ms = int(std::clamp(seconds * 1000.0, 0.0, double(INT_MAX)));
-    QMetaObject::invokeMethod(app, [ms, app, task = std::move(task)] {
-        QTimer::singleShot(ms, app, task);
+    // The timer starts on the owner's thread and dies with the owner, and the task with it.
+    QMetaObject::invokeMethod(owner, [ms, owner, task = std::move(task)] {
+        QTimer::singleShot(ms, owner, task);
     }, Qt::QueuedConnection);
 }
 
@@ -53,10 +56,10 @@ uint32_t LFManualClock::random32()
     return m_random.generate();
 }
 
-void LFManualClock::runAfter(double seconds, std::function<void()> task)
+void LFManualClock::runAfter(double seconds, QObject *owner, std::function<void()> task)
 {
     QMutexLocker lock(&m_mutex);
-    m_tasks.emplace(m_now + seconds, std::move(task));
+    m_tasks.emplace(m_now + seconds, Task{owner, std::move(task)});
 }
 
 void LFManualClock::setNow(double seconds)
@@ -67,7 +70,7 @@ void LFManualClock::setNow(double seconds)
     }
     // Due tasks run outside the lock: they read the clock themselves.
     for (;;) {
-        std::function<void()> task;
+        Task task;
         {
             QMutexLocker lock(&m_mutex);
             auto due = m_tasks.begin();
@@ -76,7 +79,8 @@ void LFManualClock::setNow(double seconds)
             task = std::move(due->second);
             m_tasks.erase(due);
         }
-        task();
+        if (task.owner)
+            task.run();
     }
 }
 

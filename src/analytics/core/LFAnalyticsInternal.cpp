@@ -77,7 +77,7 @@ void LFAnalyticsInternal::work(const LFDispatchEvent &event)
         m_context.log(QStringLiteral("session begin:%1").arg(m_sessionId));
         return;
     case LFEventTypeSessionEnd:
-        stopSession(std::any_cast<double>(object));
+        stopSession(std::any_cast<LFANTerminate>(object));
         if (m_context.app().reportPolicy() == 8 && m_context.app().backgroundTaskEnabled())
             m_context.job().preparePerformJob(1);
         saveAndCleanCache();
@@ -252,12 +252,17 @@ void LFAnalyticsInternal::splitSession()
 
 void LFAnalyticsInternal::stopSession(double duration)
 {
-    QMutexLocker lock(&m_mutex);
     LFANTerminate record;
-    record.session_id = m_sessionId;
+    record.session_id = sessionId();
     record.duration = duration;
     record.startTime = m_context.session().lastLaunchTime();
     record.endTime = m_context.now();
+    stopSession(std::move(record));
+}
+
+void LFAnalyticsInternal::stopSession(LFANTerminate record)
+{
+    QMutexLocker lock(&m_mutex);
     LFAnalyticsLocation::Fix fix;
     if (m_context.location().takeLocation(fix)) {
         record.latitude = fix.latitude;
@@ -276,33 +281,37 @@ void LFAnalyticsInternal::saveAndCleanCache()
 {
     QMutexLocker lock(&m_mutex);
     // A session may end before its start was worked: keep what the file already holds.
-    loadCache();
-    if (writeCache(m_memory)) {
+    if (loadCache() && writeCache(m_memory)) {
         clearMemory();
         m_cacheLoaded = false;
     }
     m_context.config().synchronize();
 }
 
-void LFAnalyticsInternal::loadCache()
+bool LFAnalyticsInternal::loadCache()
 {
     QMutexLocker lock(&m_mutex);
     if (m_cacheLoaded)
-        return;
+        return true;
+    const LFAnalyticsCache::ReadResult read = LFAnalyticsCache::read(cacheFilePath());
+    if (!read.problem.isEmpty() && !read.damaged) {
+        m_context.log(QStringLiteral("cache file not read: %1").arg(read.problem));
+        return false;
+    }
     m_cacheLoaded = true;
-    QString problem;
-    const std::optional<Containers> archived = LFAnalyticsCache::read(cacheFilePath(), problem);
-    if (!problem.isEmpty()) {
-        m_context.log(QStringLiteral("cache file discarded: %1").arg(problem));
+    if (read.damaged) {
+        m_context.log(QStringLiteral("cache file discarded: %1").arg(read.problem));
         QFile::remove(cacheFilePath());
     }
-    if (!archived)
-        return;
-    m_memory.events = archived->events + m_memory.events;
-    m_memory.errors = archived->errors + m_memory.errors;
-    m_memory.ekvs = archived->ekvs + m_memory.ekvs;
-    m_memory.terminates = archived->terminates + m_memory.terminates;
-    m_memory.pages = archived->pages + m_memory.pages;
+    if (!read.containers)
+        return true;
+    const Containers &archived = *read.containers;
+    m_memory.events = archived.events + m_memory.events;
+    m_memory.errors = archived.errors + m_memory.errors;
+    m_memory.ekvs = archived.ekvs + m_memory.ekvs;
+    m_memory.terminates = archived.terminates + m_memory.terminates;
+    m_memory.pages = archived.pages + m_memory.pages;
+    return true;
 }
 
 void LFAnalyticsInternal::removeCacheData()
@@ -319,13 +328,19 @@ bool LFAnalyticsInternal::generateEnvelopeFile()
     if (!writer)
         return false;
     QMutexLocker lock(&m_mutex);
+    // The cache file goes once the envelope is written, so its records must be in it: a
+    // profile change may come before the session start has read the file.
+    const bool cacheIncluded = loadCache();
     const QByteArray entry = m_context.thrift().toData();
     if (entry.isNull() || !writer(entry))
         return false;
     LFAnalyticsConfig &config = m_context.config();
     const int counted = int(config.numberWithKey(kPeriodEventCountKey).value_or(0));
     config.setConfigure(counted + eventCountInMemory(), kPeriodEventCountKey);
-    removeCacheData();
+    if (cacheIncluded)
+        removeCacheData();
+    else
+        clearMemory();
     return true;
 }
 

@@ -30,10 +30,15 @@ public:
 
     // Ends the current session: a session-end record with the pages and any location.
     void stopSession(double duration);
-    // Archives the containers to the cache file and empties them.
+    // Ends the session `record` names (id, times and duration taken when it ended): adds the
+    // pages and any location and keeps the record.
+    void stopSession(LFANTerminate record);
+    // Archives the containers to the cache file and empties them. While the file cannot be
+    // read, nothing is written over it and memory keeps what it holds.
     void saveAndCleanCache();
-    // Adds the archived containers in front of what is in memory (they are older).
-    void loadCache();
+    // Adds the archived containers in front of what is in memory (they are older). False while
+    // a cache file is there that could not be opened: it is kept for a later attempt.
+    bool loadCache();
     // Forgets the containers and the cache file.
     void removeCacheData();
 
@@ -86,6 +91,7 @@ private:
     QString m_wrapperType;
     QString m_wrapperVersion;
     bool m_jobRunning = false;
-    // Whether memory already holds what the cache file holds, so it is not added twice.
+    // Whether memory already holds what the cache file holds (or there is none), so it is
+    // neither added twice nor overwritten or removed unread.
     bool m_cacheLoaded = false;
 };

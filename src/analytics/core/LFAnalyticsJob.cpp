@@ -1,5 +1,6 @@
 #include "LFAnalyticsJob.h"
 
+#include "LFANUtil.h"
 #include "LFAnalyticsApp.h"
 #include "LFAnalyticsConfig.h"
 #include "LFAnalyticsContext.h"
@@ -7,6 +8,7 @@
 #include "LFAnalyticsInternal.h"
 #include "LFAnalyticsSession.h"
 #include "LFAnalyticsThrift.h"
+#include "LFWorkDispatch.h"
 
 #include <QMutexLocker>
 
@@ -116,7 +118,8 @@ void LFAnalyticsJob::preparePerformJob(int trigger)
             QMutexLocker lock(&m_mutex);
             m_latency = 0;
         }
-        m_context.clock().runAfter(delay, [this] { beginPerformJobDelay(); });
+        // Owned by the component, so the task never runs on a component that is gone.
+        m_context.clock().runAfter(delay, &m_context.dispatch(), [this] { beginPerformJobDelay(); });
         return;
     }
     {
@@ -148,10 +151,11 @@ uint32_t LFAnalyticsJob::calculateLatency() const
     if (clock.randomNumFrom(1, 1000) == 1)
         return clock.randomNumFrom(128, latencySeed());
     uint32_t bound;
-    bool ok = false;
-    const uint32_t serverLatent = m_context.thrift().imprintPropertyValueWithKey(QStringLiteral("latent")).toUInt(&ok);
-    if (ok) {
-        bound = std::min(serverLatent, kMaxLatency);
+    // A server value that is there counts, even one that is not a number (it reads as 0).
+    const std::optional<double> serverLatent = LFANUtil::presentNumber(
+        m_context.thrift().imprintPropertyValueWithKey(QStringLiteral("latent")));
+    if (serverLatent) {
+        bound = std::min(LFANUtil::toUnsigned32(*serverLatent), kMaxLatency);
     } else {
         QMutexLocker lock(&m_mutex);
         bound = m_latencyLimit.value_or(kDefaultLatencyLimit);

@@ -10,6 +10,8 @@
 #include <QGuiApplication>
 #include <QMutexLocker>
 
+#include <optional>
+
 LFAnalyticsSession::LFAnalyticsSession(LFAnalyticsContext &context)
     : m_context(context)
 {
@@ -43,30 +45,46 @@ void LFAnalyticsSession::appActivate()
 
 void LFAnalyticsSession::appInactivate(bool terminating)
 {
-    double duration;
+    if (terminating) {
+        {
+            QMutexLocker lock(&m_mutex);
+            m_appBeKilling = true;
+        }
+        // The process ends with this call: work still queued for the main thread runs now or never.
+        m_context.dispatch().workPending();
+    }
+    LFAnalyticsInternal &internal = m_context.internal();
+    // Id and times are taken now: the next session may begin before the record is made.
+    std::optional<LFANTerminate> ended;
+    const QString sessionId = internal.sessionId();
     bool stopNow;
     {
         QMutexLocker lock(&m_mutex);
-        const bool wasActive = m_sessionStatus == Active;
         m_appInBackGround = true;
-        if (terminating)
-            m_appBeKilling = true;
         // A session that already ended (resign active, then terminate) is not ended twice.
-        if (!wasActive)
-            return;
-        m_sessionStatus = Ended;
-        duration = recordedDuration(m_context.now() - m_lastLaunchTime);
+        if (m_sessionStatus == Active) {
+            m_sessionStatus = Ended;
+            LFANTerminate record;
+            record.session_id = sessionId;
+            record.startTime = m_lastLaunchTime;
+            record.endTime = m_context.now();
+            record.duration = recordedDuration(record.endTime - record.startTime);
+            ended = std::move(record);
+        }
         stopNow = m_appCrashed || m_appBeKilling || !m_context.app().backgroundTaskEnabled();
     }
-    if (!stopNow) {
+    // Terminating saves whatever memory holds, also when the session ended earlier.
+    if (!ended && !terminating)
+        return;
+    if (ended && !stopNow) {
         LFAnalyticsApp &app = m_context.app();
         if (!app.backgroundTaskRunning())
             app.setBackgroundTaskRunning(true);
-        m_context.dispatch().send(duration, LFEventTypeSessionEnd);
+        m_context.dispatch().send(std::move(*ended), LFEventTypeSessionEnd);
         return;
     }
-    LFAnalyticsInternal &internal = m_context.internal();
-    internal.stopSession(duration);
+    if (ended)
+        internal.stopSession(std::move(*ended));
     internal.saveAndCleanCache();
 }
 

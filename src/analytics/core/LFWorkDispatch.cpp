@@ -33,6 +33,12 @@ void LFWorkDispatch::send(std::any object, uint16_t type)
                               Qt::QueuedConnection);
 }
 
+void LFWorkDispatch::workPending()
+{
+    if (QCoreApplication::instance() && QThread::currentThread() == thread())
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+}
+
 void LFWorkDispatch::workWithEvent(const LFDispatchEvent &event)
 {
     m_context.internal().workEvent(event);

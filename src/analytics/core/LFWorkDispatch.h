@@ -43,6 +43,10 @@ public:
     static void sendEvent(std::any object, uint16_t type);
     void send(std::any object, uint16_t type);
 
+    // Works the events still queued, when called on the main thread (the process is about to
+    // end and the event loop will not run them); elsewhere it does nothing.
+    void workPending();
+
     // Events handed over but not yet worked.
     int pendingCount() const { return m_pending.load(); }
 
