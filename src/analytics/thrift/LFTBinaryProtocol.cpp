@@ -93,7 +93,7 @@ QString LFTBinaryProtocol::readStringBody(int32_t size)
             QString::asprintf("Unable to allocate memory in %s, size: %i", Q_FUNC_INFO, size));
     }
     if (m_memory) {
-        QString text = QString::fromUtf8(m_memory->peek(size), size);
+        QString text = m_strings.fromUtf8(m_memory->peek(size), size, m_memory->remaining() - size);
         m_memory->advance(size);
         return text;
     }

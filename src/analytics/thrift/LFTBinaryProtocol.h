@@ -5,6 +5,7 @@
 
 #include "LFTMemoryBuffer.h"
 #include "LFTProtocol.h"
+#include "LFTStringPool.h"
 
 #include <QStringEncoder>
 #include <QtEndian>
@@ -118,18 +119,20 @@ private:
         qToBigEndian(value, bytes);
         putBytes(bytes, sizeof(T));
     }
+    // Small enough to inline into every read; other transports take the call below.
     template <typename T> T getBigEndian()
     {
-        T value;
-        if (m_memory) {
-            value = qFromBigEndian<T>(m_memory->peek(sizeof(T)));
-            m_memory->advance(sizeof(T));
-        } else {
-            char bytes[sizeof(T)];
-            m_transport->readAll(reinterpret_cast<uint8_t *>(bytes), 0, sizeof(T));
-            value = qFromBigEndian<T>(bytes);
-        }
+        if (!m_memory)
+            return getBigEndianFromTransport<T>();
+        const T value = qFromBigEndian<T>(m_memory->peek(sizeof(T)));
+        m_memory->advance(sizeof(T));
         return value;
+    }
+    template <typename T> Q_NEVER_INLINE T getBigEndianFromTransport()
+    {
+        char bytes[sizeof(T)];
+        m_transport->readAll(reinterpret_cast<uint8_t *>(bytes), 0, sizeof(T));
+        return qFromBigEndian<T>(bytes);
     }
 
     LFTTransport *m_transport;
@@ -138,4 +141,5 @@ private:
     bool m_strictWrite;
     int32_t m_messageSizeLimit = 0;
     QStringEncoder m_encoder{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+    LFTStringPool m_strings;   // strings read from a memory buffer
 };

@@ -42,20 +42,18 @@ public:
     // Direct access for the binary protocol: look at the next bytes, then consume them.
     const char *peek(qsizetype length) const
     {
-        if (length < 0 || remaining() < length)
-            throw LFTTransportException(QStringLiteral("Not enough bytes remain in buffer"));
-        return m_buffer.constData() + m_front + m_offset;
+        if (length < 0 || remaining() < length) [[unlikely]]
+            failShortRead();
+        return m_buffer.constData() + m_read;
     }
     void advance(qsizetype length)
     {
-        m_offset += length;
-        if (m_offset >= kGarbageSize) {
-            // Dropping is logical: the storage may be shared with the caller's bytes.
-            m_front += m_offset;
-            m_offset = 0;
-        }
+        m_read += length;
+        // Dropping is logical: the storage may be shared with the caller's bytes.
+        if (m_read - m_front >= kGarbageSize)
+            m_front = m_read;
     }
-    qsizetype remaining() const { return m_end - m_front - m_offset; }
+    qsizetype remaining() const { return m_end - m_read; }
 
     // Room for `length` more bytes at the end; commitWrite says how many were used.
     char *writeCursor(qsizetype length)
@@ -67,6 +65,11 @@ public:
     void commitWrite(qsizetype length) { m_end += length; }
 
 private:
+    // Kept out of line so that peek stays small enough to inline into every read.
+    [[noreturn]] Q_NEVER_INLINE Q_DECL_COLD_FUNCTION static void failShortRead()
+    {
+        throw LFTTransportException(QStringLiteral("Not enough bytes remain in buffer"));
+    }
     void grow(qsizetype length)
     {
         const qsizetype needed = m_end + length;
@@ -80,5 +83,5 @@ private:
     qsizetype m_capacity = 0;
     qsizetype m_end = 0;
     qsizetype m_front = 0;                // bytes dropped by reads
-    qsizetype m_offset = 0;               // read position after m_front
+    qsizetype m_read = 0;                 // read position, from the start of m_buffer
 };

@@ -5,12 +5,12 @@
 // record per thread at a time.
 
 #include "LFTException.h"
+#include "LFTFlatMap.h"
 #include "LFTProtocol.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
-#include <QMap>
 #include <QString>
 
 #include <tuple>
@@ -199,11 +199,11 @@ template <typename E> struct Wire<QList<E>>
     }
 };
 
-template <typename K, typename V> struct Wire<QMap<K, V>>
+template <typename K, typename V> struct Wire<LFTFlatMap<K, V>>
 {
     static constexpr LFTType type = LFTType::Map;
-    static bool present(const QMap<K, V> &) { return true; }
-    template <typename P> static void write(P &out, const QMap<K, V> &map)
+    static bool present(const LFTFlatMap<K, V> &) { return true; }
+    template <typename P> static void write(P &out, const LFTFlatMap<K, V> &map)
     {
         out.writeMapBegin(Wire<K>::type, Wire<V>::type, int32_t(map.size()));
         for (auto it = map.cbegin(); it != map.cend(); ++it) {
@@ -212,7 +212,7 @@ template <typename K, typename V> struct Wire<QMap<K, V>>
         }
         out.writeMapEnd();
     }
-    template <typename P> static bool read(P &in, QMap<K, V> &map, int depth)
+    template <typename P> static bool read(P &in, LFTFlatMap<K, V> &map, int depth)
     {
         LFTType keyType;
         LFTType valueType;
@@ -220,6 +220,8 @@ template <typename K, typename V> struct Wire<QMap<K, V>>
         in.readMapBegin(keyType, valueType, size);
         checkSize(size);
         const bool matches = keyType == Wire<K>::type && valueType == Wire<V>::type;
+        if (matches)
+            map.reserve(reservable(in, size));
         for (int32_t i = 0; i < size; ++i) {
             if (!matches) {
                 skip(in, keyType, depth + 1);
@@ -230,12 +232,12 @@ template <typename K, typename V> struct Wire<QMap<K, V>>
             V value{};
             Wire<K>::read(in, key, depth + 1);
             Wire<V>::read(in, value, depth + 1);
-            map.insert(map.cend(), std::move(key), std::move(value));
+            map.insert(std::move(key), std::move(value));
         }
         in.readMapEnd();
         return matches;
     }
-    static QJsonValue json(const QMap<K, V> &map)
+    static QJsonValue json(const LFTFlatMap<K, V> &map)
     {
         QJsonObject object;
         for (auto it = map.cbegin(); it != map.cend(); ++it)
@@ -280,6 +282,8 @@ template <typename P, typename Record> void readStruct(P &in, Record &record, in
 {
     if (depth > kMaxDepth)
         throw LFTProtocolException(QStringLiteral("Depth limit exceeded"));
+    // Built once at compile time rather than for every field read.
+    static constexpr auto fields = Record::fields();
     in.readStructBegin();
     for (;;) {
         LFTType type;
@@ -304,7 +308,7 @@ template <typename P, typename Record> void readStruct(P &in, Record &record, in
                 return true;
             };
             return (readField(field) || ...);
-        }, Record::fields());
+        }, fields);
         if (!known)
             skip(in, type, depth + 1);
         in.readFieldEnd();

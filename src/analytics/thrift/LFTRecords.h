@@ -7,7 +7,6 @@
 
 #include <QByteArray>
 #include <QList>
-#include <QMap>
 #include <QString>
 
 #include <cstdint>
@@ -108,7 +107,7 @@ class LFTPropertyValue
     LFT_RECORD(LFTPropertyValue, "PropertyValue", string_valueField(), long_valueField())
 };
 
-using LFTPropertyMap = QMap<QString, LFTPropertyValue>;
+using LFTPropertyMap = LFTFlatMap<QString, LFTPropertyValue>;
 
 class LFTEvent
 {
@@ -180,7 +179,7 @@ class LFTImprintValue
     LFT_RECORD(LFTImprintValue, "ImprintValue", valueField(), tsField(), guidField())
 };
 
-using LFTImprintMap = QMap<QString, LFTImprintValue>;
+using LFTImprintMap = LFTFlatMap<QString, LFTImprintValue>;
 
 class LFTImprint
 {
@@ -207,7 +206,7 @@ class LFTIdJournal
     LFT_RECORD(LFTIdJournal, "IdJournal", domainField(), old_idField(), new_idField(), tsField())
 };
 
-using LFTIdSnapshotMap = QMap<QString, LFTIdSnapshot>;
+using LFTIdSnapshotMap = LFTFlatMap<QString, LFTIdSnapshot>;
 using LFTIdJournalList = QList<LFTIdJournal>;
 
 class LFTIdTracking
@@ -240,7 +239,7 @@ class LFTControlPolicy
 
 using LFTInstantMsgList = QList<LFTInstantMsg>;
 using LFTSessionList = QList<LFTSession>;
-using LFTGroupInfo = QMap<QString, int32_t>;
+using LFTGroupInfo = LFTFlatMap<QString, int32_t>;
 
 class LFTUALogEntry
 {
