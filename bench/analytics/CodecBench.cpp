@@ -225,14 +225,18 @@ BENCHMARK(BM_Thrift_Encode);
 BENCHMARK(BM_Ours_Decode);
 BENCHMARK(BM_Thrift_Decode);
 
-// Keeps each run's time per iteration so the ratios can be printed after the table.
+// Keeps each benchmark's time per iteration so the ratios can be printed after the table: the
+// median when the runs are repeated, since the figures are noisy on a shared machine.
 class RatioReporter : public benchmark::ConsoleReporter
 {
 public:
     void ReportRuns(const std::vector<Run> &runs) override
     {
-        for (const Run &run : runs)
-            m_nanoseconds[run.benchmark_name()] = run.GetAdjustedRealTime();
+        // A repeated benchmark's aggregates follow its runs, so its median is kept last.
+        for (const Run &run : runs) {
+            if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median")
+                m_nanoseconds[run.run_name.function_name] = run.GetAdjustedRealTime();
+        }
         ConsoleReporter::ReportRuns(runs);
     }
 

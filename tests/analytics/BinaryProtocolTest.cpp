@@ -1,4 +1,5 @@
-// The binary protocol and memory buffer: exact bytes, message headers and every failure text.
+// The binary protocol and memory buffer: exact bytes, message headers, decoded text and every
+// failure text.
 
 #include "LFTBinaryProtocol.h"
 #include "LFTRecords.h"
@@ -198,4 +199,41 @@ TEST(MalformedRecords, KnownFieldOfAnotherTypeIsSkipped)
     const LFTResponse response = LFTDecode<LFTResponse>(hex("08000100000001" "08000200000005" "00"));
     EXPECT_EQ(response.resp_code(), 1);
     EXPECT_FALSE(response.msgIsSet());
+}
+
+TEST(BinaryProtocol, ReadStringsMatchFromUtf8AndOutliveTheReader)
+{
+    // ASCII, other scripts, byte order marks, bad and cut-off bytes, and one text longer than a
+    // whole block of decoded strings.
+    const QList<QByteArray> texts = {"",
+                                     "plain",
+                                     "\xc3\xa9\xe6\xbc\xa2\xf0\x9f\x98\x80",
+                                     "\xef\xbb\xbf" "a",
+                                     "a\xef\xbb\xbf",
+                                     "\xff\xc0\xaf" "b",
+                                     "\xe2\x82",
+                                     QByteArray(LFTStringPool::kBlockUnits + 10, 'x') + "\xc3\xa9"};
+    LFTMemoryBuffer buffer;
+    LFTBinaryProtocol out(&buffer);
+    for (const QByteArray &text : texts)
+        out.writeBinary(text);
+
+    QList<QString> read;
+    {
+        Reader reader(buffer.getBuffer());
+        for (qsizetype i = 0; i < texts.size(); ++i)
+            read.append(reader.protocol.readString());
+    }
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        EXPECT_EQ(read[i], QString::fromUtf8(texts[i])) << i;
+        EXPECT_FALSE(read[i].isNull()) << i;
+        EXPECT_EQ(read[i].utf16()[read[i].size()], 0) << i;
+    }
+    // Strings read together share storage; changing one leaves the others as they were.
+    read[1].append(QStringLiteral("!"));
+    read[2][0] = u'E';
+    EXPECT_EQ(read[1], QStringLiteral("plain!"));
+    EXPECT_EQ(read[2], QString::fromUtf8(texts[2]).replace(0, 1, u'E'));
+    EXPECT_EQ(read[3], QStringLiteral("a"));
+    EXPECT_EQ(read[4], QString::fromUtf8(texts[4]));
 }

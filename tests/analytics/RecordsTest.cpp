@@ -1,4 +1,5 @@
-// Records: presence flags, required fields, what is written, and unknown fields skipped by type.
+// Records: presence flags, required fields, what is written, unknown fields skipped by type, and
+// map order.
 
 #include "LFTBinaryProtocol.h"
 #include "LFTRecords.h"
@@ -147,4 +148,45 @@ TEST(Records, NestedRecordsRoundTripAndPrintAsJson)
                   [QStringLiteral("tap")][QStringLiteral("string_value")].toString(),
               QStringLiteral("标签"));
     EXPECT_FALSE(json.contains(QStringLiteral("sessions")));
+}
+
+TEST(Records, MapsKeepKeyOrderAndTheLastValueOfARepeatedKey)
+{
+    auto label = [](const char *text) {
+        LFTPropertyValue value;
+        value.setString_value(QString::fromUtf8(text));
+        return value;
+    };
+    // Written out of order, with "b" twice.
+    LFTMemoryBuffer buffer;
+    LFTBinaryProtocol out(&buffer);
+    out.writeFieldBegin("name", LFTType::String, 1);
+    out.writeString(QStringLiteral("e"));
+    out.writeFieldBegin("properties", LFTType::Map, 2);
+    out.writeMapBegin(LFTType::String, LFTType::Struct, 4);
+    for (const auto &[key, text] : {std::pair{"b", "1"}, {"c", "2"}, {"a", "3"}, {"b", "4"}}) {
+        out.writeString(QString::fromUtf8(key));
+        label(text).write(out);
+    }
+    out.writeFieldBegin("ts", LFTType::I64, 5);
+    out.writeI64(7);
+    out.writeFieldStop();
+
+    const LFTEvent event = LFTDecode<LFTEvent>(buffer.getBuffer());
+    QStringList keys;
+    for (auto it = event.properties().cbegin(); it != event.properties().cend(); ++it)
+        keys.append(it.key());
+    EXPECT_EQ(keys, QStringList({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    EXPECT_EQ(event.properties().value(QStringLiteral("b")), label("4"));
+    EXPECT_FALSE(event.properties().contains(QStringLiteral("d")));
+    EXPECT_EQ(event.properties().value(QStringLiteral("d")), LFTPropertyValue());
+
+    // Built in any order, the same entries are equal and written the same.
+    LFTPropertyMap built{{QStringLiteral("c"), label("2")}, {QStringLiteral("b"), label("1")}};
+    built.insert(QStringLiteral("a"), label("3"));
+    built.insert(QStringLiteral("b"), label("4"));
+    EXPECT_TRUE(built == event.properties());
+    LFTEvent rebuilt = event;
+    rebuilt.setProperties(built);
+    EXPECT_EQ(LFTEncode(rebuilt), LFTEncode(event));
 }
