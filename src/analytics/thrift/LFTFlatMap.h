@@ -39,15 +39,12 @@ public:
     };
 
     LFTFlatMap() = default;
-    LFTFlatMap(std::initializer_list<Entry> entries)
-    {
-        for (const Entry &entry : entries)
-            insert(entry.first, entry.second);
-    }
+    LFTFlatMap(std::initializer_list<Entry> entries) : LFTFlatMap(QList<Entry>(entries)) {}
+    // Entries in any order; of entries with equal keys the last one stays, as with insert().
+    explicit LFTFlatMap(QList<Entry> entries) : m_entries(std::move(entries)) { sortByKey(); }
 
     qsizetype size() const { return m_entries.size(); }
     bool isEmpty() const { return m_entries.isEmpty(); }
-    void reserve(qsizetype size) { m_entries.reserve(size); }
 
     const_iterator cbegin() const { return const_iterator(m_entries.constData()); }
     const_iterator cend() const { return const_iterator(m_entries.constData() + size()); }
@@ -70,7 +67,7 @@ public:
 
     void insert(K key, V value)
     {
-        // Entries written by a map come in key order: append without a search.
+        // Entries added in key order are appended without a search.
         if (m_entries.isEmpty() || m_entries.constLast().first < key) {
             m_entries.emplace_back(std::move(key), std::move(value));
             return;
@@ -85,6 +82,28 @@ public:
     bool operator==(const LFTFlatMap &other) const = default;
 
 private:
+    // One sort rather than an insert per entry, so that even a long list out of order (as
+    // forged input may be) costs n log n.
+    void sortByKey()
+    {
+        const auto notBefore = [](const Entry &a, const Entry &b) { return !(a.first < b.first); };
+        // Entries written by a map are already in order: one pass finds that out.
+        if (std::adjacent_find(m_entries.cbegin(), m_entries.cend(), notBefore) == m_entries.cend())
+            return;
+        std::stable_sort(m_entries.begin(), m_entries.end(),
+                         [](const Entry &a, const Entry &b) { return a.first < b.first; });
+        // Of a run of equal keys, keep the entry that came last.
+        qsizetype kept = 0;
+        for (qsizetype i = 0; i < m_entries.size(); ++i) {
+            if (i + 1 < m_entries.size() && notBefore(m_entries.at(i), m_entries.at(i + 1)))
+                continue;
+            if (kept != i)
+                m_entries[kept] = std::move(m_entries[i]);
+            ++kept;
+        }
+        m_entries.resize(kept);
+    }
+
     const Entry *lowerBound(const K &key) const
     {
         return std::lower_bound(m_entries.constData(), m_entries.constData() + size(), key,

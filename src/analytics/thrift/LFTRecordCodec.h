@@ -220,21 +220,22 @@ template <typename K, typename V> struct Wire<LFTFlatMap<K, V>>
         in.readMapBegin(keyType, valueType, size);
         checkSize(size);
         const bool matches = keyType == Wire<K>::type && valueType == Wire<V>::type;
+        QList<typename LFTFlatMap<K, V>::Entry> entries;
         if (matches)
-            map.reserve(reservable(in, size));
+            entries.reserve(reservable(in, size));
         for (int32_t i = 0; i < size; ++i) {
             if (!matches) {
                 skip(in, keyType, depth + 1);
                 skip(in, valueType, depth + 1);
                 continue;
             }
-            K key{};
-            V value{};
+            auto &[key, value] = entries.emplace_back();
             Wire<K>::read(in, key, depth + 1);
             Wire<V>::read(in, value, depth + 1);
-            map.insert(std::move(key), std::move(value));
         }
         in.readMapEnd();
+        if (matches)
+            map = LFTFlatMap<K, V>(std::move(entries));
         return matches;
     }
     static QJsonValue json(const LFTFlatMap<K, V> &map)
