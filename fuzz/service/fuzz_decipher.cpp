@@ -3,17 +3,13 @@
 #include "DesCryptUtil.h"
 #include "JsonChangDic.h"
 
-#include <QLoggingCategory>
+#include "../support/QuietForumLog.h"
 
 #include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const bool quiet = [] {
-        QLoggingCategory::setFilterRules(QStringLiteral("quorvel.info=false"));
-        return true;
-    }();
-    (void)quiet;
+    silenceForumLog();
     const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
     const std::optional<QString> plain = DesCryptUtil::DesDecode(text, DesCryptUtil::kKey, DesCryptUtil::kIV);
     JsonChangDic::dictionaryWithJsonString(plain);

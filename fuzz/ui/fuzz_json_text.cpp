@@ -2,18 +2,14 @@
 // parses as an object writes back to text that parses to the same object.
 #include "JsonChangDic.h"
 
-#include <QLoggingCategory>
+#include "../support/QuietForumLog.h"
 
 #include <cstdint>
 #include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const bool quiet = [] {
-        QLoggingCategory::setFilterRules(QStringLiteral("quorvel.info=false"));
-        return true;
-    }();
-    (void)quiet;
+    silenceForumLog();
     const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
     const QJsonValue value = JsonChangDic::dictionaryWithJsonString(text);
     if (value.isObject()) {

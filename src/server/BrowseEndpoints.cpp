@@ -17,6 +17,26 @@ void readDevice(PayloadFields &fields)
     fields.text("devicetype");
 }
 
+// TopicDetail and RepliesLog share one payload.
+struct TopicPage
+{
+    qint64 tid = 0;
+    qint64 pageindex = 0;
+    qint64 pagesize = 0;
+};
+
+TopicPage readTopicPage(PayloadFields &fields)
+{
+    // The board id is not checked against the topic: the banner path sends whatever board
+    // the home screen last looked at.
+    fields.optionalInteger("sectionid");
+    readDevice(fields);
+    fields.integer("userid");
+    TopicPage wanted{fields.integer("tid"), fields.integer("pageindex"), fields.integer("pagesize")};
+    fields.integer("islandlord");
+    return wanted;
+}
+
 template<typename Row>
 QJsonArray arrayOf(const QList<Row> &rows, QJsonObject (*convert)(const Row &))
 {
@@ -104,39 +124,25 @@ EndpointAnswer BrowseEndpoints::topTopics(const QJsonObject &payload)
 
 EndpointAnswer BrowseEndpoints::topicDetail(const QJsonObject &payload)
 {
-    // The board id is not checked against the topic: the banner path sends whatever board
-    // the home screen last looked at.
     PayloadFields fields(payload);
-    fields.optionalInteger("sectionid");
-    readDevice(fields);
-    fields.integer("userid");
-    const qint64 tid = fields.integer("tid");
-    fields.integer("pageindex");
-    fields.integer("pagesize");
-    fields.integer("islandlord");
+    const TopicPage wanted = readTopicPage(fields);
     if (!fields.ok())
         return EndpointAnswer::rejected(fields.error());
-    const std::optional<TopicRow> topic = m_store.topic(tid);
+    const std::optional<TopicRow> topic = m_store.topic(wanted.tid);
     return EndpointAnswer::of(topic ? QJsonValue(AnswerObjects::topic(*topic)) : QJsonValue(QJsonValue::Null));
 }
 
 EndpointAnswer BrowseEndpoints::repliesLog(const QJsonObject &payload)
 {
     PayloadFields fields(payload);
-    fields.optionalInteger("sectionid");
-    readDevice(fields);
-    fields.integer("userid");
-    const qint64 tid = fields.integer("tid");
-    const qint64 pageindex = fields.integer("pageindex");
-    const qint64 pagesize = fields.integer("pagesize");
-    fields.integer("islandlord");
+    const TopicPage wanted = readTopicPage(fields);
     if (!fields.ok())
         return EndpointAnswer::rejected(fields.error());
     QString reason;
-    const std::optional<Page> wanted = page(pageindex, pagesize, &reason);
-    if (!wanted)
+    const std::optional<Page> rows = page(wanted.pageindex, wanted.pagesize, &reason);
+    if (!rows)
         return EndpointAnswer::rejected(reason);
-    if (!m_store.topic(tid))
+    if (!m_store.topic(wanted.tid))
         return EndpointAnswer::of(QJsonValue(QJsonValue::Null));
-    return EndpointAnswer::of(arrayOf(m_store.replies(tid, wanted->offset, wanted->size), AnswerObjects::reply));
+    return EndpointAnswer::of(arrayOf(m_store.replies(wanted.tid, rows->offset, rows->size), AnswerObjects::reply));
 }
