@@ -10,6 +10,7 @@
 
 namespace {
 
+// A request that stays silent this long fails, as with the phone's HTTP client default.
 constexpr int kTimeoutMs = 60'000;
 
 // Escapes a form value the way the phone's HTTP client does: RFC 3986 delimiters other
