@@ -152,6 +152,59 @@ TEST_F(NavigationTest, poppedScreenHeldElsewhereLivesOnWithoutAWindow)
     EXPECT_EQ(Window::of(composer->view()), nullptr);
 }
 
+TEST_F(NavigationTest, everyScreenTakenOffTheStackLetsGoOfItsNavigationController)
+{
+    auto middle = std::make_shared<Screen>("middle", &log);
+    auto top = std::make_shared<Screen>("top", &log);
+    navigation->pushViewController(middle, false);
+    navigation->pushViewController(top, false);
+    ASSERT_TRUE(shows(top.get()));
+
+    // The middle one goes at once; the one sliding out keeps its controller until it is gone.
+    EXPECT_EQ(navigation->popToRootViewControllerAnimated(true).size(), 2);
+    EXPECT_EQ(middle->navigationController(), nullptr);
+    EXPECT_EQ(top->navigationController(), navigation.get());
+    ASSERT_TRUE(shows(home.get()));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !navigation->isTransitioning(); }));
+    EXPECT_EQ(top->navigationController(), nullptr);
+
+    // Pushed and popped before it was ever shown, and two pops before the transition runs.
+    auto never = std::make_shared<Screen>("never", &log);
+    navigation->pushViewController(middle, false);
+    navigation->pushViewController(never, false);
+    navigation->popViewControllerAnimated(false);
+    EXPECT_EQ(never->navigationController(), nullptr);
+    navigation->popViewControllerAnimated(false);
+    EXPECT_EQ(middle->navigationController(), nullptr);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !navigation->isTransitioning(); }));
+
+    // Each can join another stack, and outlives a navigation controller it was on.
+    auto other = std::make_shared<NavigationController>(never);
+    other->pushViewController(middle, false);
+    EXPECT_EQ(other->viewControllers(), (QList<ViewController *>{never.get(), middle.get()}));
+    EXPECT_EQ(middle->navigationController(), other.get());
+    auto lone = std::make_shared<Screen>("lone", &log);
+    auto doomed = std::make_shared<NavigationController>(std::make_shared<Screen>("root", &log));
+    doomed->pushViewController(lone, false);
+    doomed->pushViewController(std::make_shared<Screen>("above", &log), false);
+    doomed.reset();
+    EXPECT_EQ(lone->navigationController(), nullptr);
+}
+
+TEST_F(NavigationTest, presentedScreenOutlivingItsPresenterDismissesSafely)
+{
+    auto presenter = std::make_shared<Screen>("presenter", &log);
+    auto modal = std::make_shared<Screen>("modal", &log);
+    presenter->presentViewController(modal, false);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return modal->isOnScreen(); }));
+    EXPECT_EQ(modal->presentingViewController(), presenter.get());
+    presenter.reset();
+    EXPECT_EQ(modal->presentingViewController(), nullptr);
+    modal->dismissViewControllerAnimated(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(modal->presentingViewController(), nullptr);
+}
+
 TEST_F(NavigationTest, framesAndInsetsFollowTheBar)
 {
     // Translucent (the default): the view fills the screen, its table starts under the bar.

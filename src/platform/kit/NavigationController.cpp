@@ -44,6 +44,10 @@ NavigationController::~NavigationController()
         m_animation->stop();
     for (const auto &controller : std::as_const(m_stack))
         controller->m_parent = nullptr;
+    for (const auto *controller : {&m_shown, &m_leaving}) {
+        if (*controller && (*controller)->m_parent == this)
+            (*controller)->m_parent = nullptr;
+    }
 }
 
 void NavigationController::loadView()
@@ -78,6 +82,7 @@ std::shared_ptr<ViewController> NavigationController::popViewControllerAnimated(
     if (m_stack.size() < 2)
         return nullptr;
     std::shared_ptr<ViewController> popped = m_stack.takeLast();
+    releaseTakenOff(popped);
     scheduleTransition(animated);
     return popped;
 }
@@ -85,11 +90,19 @@ std::shared_ptr<ViewController> NavigationController::popViewControllerAnimated(
 QList<std::shared_ptr<ViewController>> NavigationController::popToRootViewControllerAnimated(bool animated)
 {
     QList<std::shared_ptr<ViewController>> popped;
-    while (m_stack.size() > 1)
+    while (m_stack.size() > 1) {
         popped.prepend(m_stack.takeLast());
+        releaseTakenOff(popped.constFirst());
+    }
     if (!popped.isEmpty())
         scheduleTransition(animated);
     return popped;
+}
+
+void NavigationController::releaseTakenOff(const std::shared_ptr<ViewController> &controller)
+{
+    if (controller != m_shown && controller != m_leaving && !m_stack.contains(controller))
+        controller->m_parent = nullptr;
 }
 
 QList<ViewController *> NavigationController::viewControllers() const
@@ -173,6 +186,7 @@ void NavigationController::runTransition()
         return;
     }
     m_transitioning = true;
+    m_leaving = from;
     View *fromView = from->view();
     if (popping)
         fromView->raise();
@@ -212,12 +226,12 @@ void NavigationController::runTransition()
 void NavigationController::finishTransition(std::shared_ptr<ViewController> from, bool animated)
 {
     m_transitioning = false;
+    m_leaving.reset();
     if (from && from != m_shown) {
         detachView(from.get());
         if (isOnScreen())
             from->endAppearanceTransition(false, animated);
-        if (!m_stack.contains(from))
-            from->m_parent = nullptr;
+        releaseTakenOff(from);
     }
     if (m_shown && isOnScreen())
         m_shown->endAppearanceTransition(true, animated);

@@ -59,9 +59,13 @@ private:
     void finishTransition(std::shared_ptr<ViewController> from, bool animated);
     void layoutShownViewController();
     void updateBarItems();
+    // A controller taken off the stack stops belonging here unless its view is still shown
+    // or sliding out; finishTransition() lets go of that one.
+    void releaseTakenOff(const std::shared_ptr<ViewController> &controller);
 
     QList<std::shared_ptr<ViewController>> m_stack;
     std::shared_ptr<ViewController> m_shown;
+    std::shared_ptr<ViewController> m_leaving;
     NavigationBar *m_bar = nullptr;
     QPointer<QVariantAnimation> m_animation;
     bool m_barHidden = false;

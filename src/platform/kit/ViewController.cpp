@@ -12,6 +12,9 @@ ViewController::ViewController() : m_navigationItem(new NavigationItem(this)) {}
 
 ViewController::~ViewController()
 {
+    // What this controller presents may be held elsewhere and outlive it.
+    if (m_presented)
+        m_presented->m_presenting = nullptr;
     delete m_view.data();
 }
 
@@ -81,7 +84,7 @@ void ViewController::dismissViewControllerAnimated(bool animated, std::function<
         owner = owner->m_parent;
     if (!owner)
         return;
-    ViewController *presenter = owner->m_presented ? owner : owner->m_presenting;
+    ViewController *presenter = owner->m_presented ? owner : owner->m_presenting.data();
     if (presenter->m_dismissing)
         return;
     presenter->m_dismissing = true;

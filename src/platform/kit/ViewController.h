@@ -78,8 +78,9 @@ private:
 
     QPointer<View> m_view;
     NavigationItem *m_navigationItem;
-    ViewController *m_parent = nullptr;
-    ViewController *m_presenting = nullptr;
+    // Both may outlive the controller they point at.
+    QPointer<ViewController> m_parent;
+    QPointer<ViewController> m_presenting;
     std::shared_ptr<ViewController> m_presented;
     bool m_dismissing = false;
     bool m_onScreen = false;
