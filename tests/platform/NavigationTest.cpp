@@ -8,6 +8,7 @@
 #include "NavigationBar.h"
 #include "NavigationController.h"
 #include "NavigationItem.h"
+#include "RefreshHeader.h"
 #include "TableView.h"
 #include "View.h"
 #include "ViewController.h"
@@ -54,6 +55,28 @@ public:
     Log *log;
     std::string property = "unset";
     TableView *table = nullptr;
+};
+
+// Like a detail screen: a full-height table under the bar that starts refreshing as it appears.
+class RefreshingScreen : public ViewController
+{
+public:
+    void viewDidLoad() override
+    {
+        setExtendedLayoutIncludesOpaqueBars(true);
+        table = new TableView(QRectF(0, 0, 375, 600));
+        view()->addSubview(table);
+        table->setHeader(new RefreshHeader());
+    }
+    void viewWillAppear(bool animated) override
+    {
+        ViewController::viewWillAppear(animated);
+        insetSeenWhenAppearing = table->adjustedContentInset().top;
+        table->header()->beginRefreshing();
+    }
+
+    TableView *table = nullptr;
+    qreal insetSeenWhenAppearing = -1;
 };
 
 class NavigationTest : public ::testing::Test
@@ -228,6 +251,23 @@ TEST_F(NavigationTest, framesAndInsetsFollowTheBar)
     EXPECT_FALSE(navigation->navigationBar()->isVisible());
     EXPECT_EQ(extended->view()->geometry(), QRect(0, 0, 375, 667));
     EXPECT_EQ(extended->table->adjustedContentInset().top, 20);
+}
+
+TEST_F(NavigationTest, screenRefreshingAsItAppearsShowsItsHeaderBelowTheBar)
+{
+    auto detail = std::make_shared<RefreshingScreen>();
+    navigation->pushViewController(detail, true);
+    ASSERT_TRUE(shows(detail.get()));
+    EXPECT_EQ(detail->insetSeenWhenAppearing, 64);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !navigation->isTransitioning(); }));
+    // Content starts below the bar and the refreshing header's room.
+    EXPECT_TRUE(testsupport::waitUntil([&] { return detail->table->contentOffset().y() == -64 - RefreshHeader::kHeight; }))
+        << detail->table->contentOffset().y();
+    EXPECT_EQ(detail->table->header()->geometry().top(), 64);
+
+    detail->table->header()->endRefreshing();
+    EXPECT_TRUE(testsupport::waitUntil([&] { return detail->table->contentOffset().y() == -64; }))
+        << detail->table->contentOffset().y();
 }
 
 TEST_F(NavigationTest, presentAndDismissAWholeNavigationController)

@@ -71,6 +71,29 @@ TEST_F(RefreshTest, beginningRunsTheActionOnceUntilEnded)
     EXPECT_EQ(loader.loads, 2);
 }
 
+TEST_F(RefreshTest, aBarInsetArrivingLaterKeepsTheRefreshingHeaderInView)
+{
+    table->setHeader(new RefreshHeader());
+    // The inset comes while the header is still sliding into view...
+    table->header()->beginRefreshing();
+    table->setAutomaticTopInset(64);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == -64 - RefreshHeader::kHeight; }))
+        << table->contentOffset().y();
+    EXPECT_EQ(table->header()->geometry().top(), 64);
+
+    // ...or changes once it rests there.
+    table->setAutomaticTopInset(20);
+    EXPECT_EQ(table->contentOffset().y(), -20 - RefreshHeader::kHeight);
+    EXPECT_EQ(table->header()->geometry().top(), 20);
+
+    // Content scrolled down stays where it is.
+    table->header()->endRefreshing();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == -20; }));
+    table->setContentOffset(QPointF(0, 300));
+    table->setAutomaticTopInset(64);
+    EXPECT_EQ(table->contentOffset().y(), 300);
+}
+
 TEST_F(RefreshTest, targetThatIsGoneIsNotCalled)
 {
     auto loader = std::make_unique<Loader>();

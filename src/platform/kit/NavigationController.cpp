@@ -171,13 +171,14 @@ void NavigationController::runTransition()
     View *targetView = target->view();
     targetView->setParent(container);
     m_shown = target;
+    // The hooks see the screen in its place, with its table's inset under the bar.
+    layoutShownViewController();
+    updateBarItems();
     if (isOnScreen()) {
         if (from)
             from->beginAppearanceTransition(false, animated);
         target->beginAppearanceTransition(true, animated);
     }
-    layoutShownViewController();
-    updateBarItems();
     targetView->show();
     m_bar->raise();
 

@@ -16,6 +16,8 @@ constexpr qreal kDragSlop = 4;
 // Beyond the content's edges the content follows the finger at this rate.
 constexpr qreal kOverscrollResistance = 0.5;
 constexpr qreal kWheelPointsPerNotch = 40;
+// Offsets this close count as the same place.
+constexpr qreal kOffsetTolerance = 0.5;
 } // namespace
 
 ScrollView::ScrollView(QWidget *parent) : QAbstractScrollArea(parent)
@@ -124,10 +126,15 @@ void ScrollView::setAutomaticTopInset(qreal inset)
 {
     if (inset == m_automaticTopInset)
         return;
-    const bool atTop = qFuzzyCompare(1 + m_offset.y(), 1 - adjustedContentInset().top);
+    // Content resting at the top, pulled down or heading there moves down with the inset, so
+    // whatever shows at the top (a refreshing header too) stays in view below the bar.
+    const qreal restingTop = -adjustedContentInset().top + kOffsetTolerance;
+    const QPointF shift(0, inset - m_automaticTopInset);
     m_automaticTopInset = inset;
-    if (atTop)
-        applyOffset(QPointF(m_offset.x(), -adjustedContentInset().top));
+    if (m_animation && m_animation->endValue().toPointF().y() <= restingTop)
+        m_animation->setEndValue(m_animation->endValue().toPointF() - shift);
+    if (m_offset.y() <= restingTop)
+        applyOffset(m_offset - shift);
     else
         placeRefreshControls();
 }
