@@ -10,6 +10,7 @@
 #include "NavigationItem.h"
 #include "RefreshHeader.h"
 #include "TableView.h"
+#include "TextView.h"
 #include "View.h"
 #include "ViewController.h"
 
@@ -268,6 +269,44 @@ TEST_F(NavigationTest, screenRefreshingAsItAppearsShowsItsHeaderBelowTheBar)
     detail->table->header()->endRefreshing();
     EXPECT_TRUE(testsupport::waitUntil([&] { return detail->table->contentOffset().y() == -64; }))
         << detail->table->contentOffset().y();
+}
+
+TEST_F(NavigationTest, keyboardGoesWithTheScreenItWasRaisedOn)
+{
+    auto typeInto = [&](ViewController *screen) {
+        auto *field = new TextView(QRectF(0, 100, 375, 40));
+        screen->view()->addSubview(field);
+        EXPECT_TRUE(field->becomeFirstResponder());
+        EXPECT_TRUE(window->keyboardView()->isVisible());
+        return QPointer<TextView>(field);
+    };
+    auto keyboardIsDown = [&](const QPointer<TextView> &field) {
+        return (!field || !field->isFirstResponder()) && !window->keyboardView()->isVisible();
+    };
+
+    // Popped.
+    auto composer = std::make_shared<Screen>("composer", &log);
+    navigation->pushViewController(composer, false);
+    ASSERT_TRUE(shows(composer.get()));
+    QPointer<TextView> field = typeInto(composer.get());
+    navigation->popViewControllerAnimated(true);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !navigation->isTransitioning() && shows(home.get()); }));
+    EXPECT_TRUE(keyboardIsDown(field));
+
+    // Covered by a presentation.
+    field = typeInto(home.get());
+    auto modal = std::make_shared<Screen>("modal", &log);
+    bool presented = false;
+    navigation->presentViewController(modal, true, [&] { presented = true; });
+    ASSERT_TRUE(testsupport::waitUntil([&] { return presented; }));
+    EXPECT_TRUE(keyboardIsDown(field));
+
+    // Dismissed.
+    field = typeInto(modal.get());
+    bool dismissed = false;
+    modal->dismissViewControllerAnimated(true, [&] { dismissed = true; });
+    ASSERT_TRUE(testsupport::waitUntil([&] { return dismissed; }));
+    EXPECT_TRUE(keyboardIsDown(field));
 }
 
 TEST_F(NavigationTest, presentAndDismissAWholeNavigationController)

@@ -6,6 +6,7 @@
 #include "TextViewEditor.h"
 
 #include <QClipboard>
+#include <QHideEvent>
 #include <QGuiApplication>
 #include <QScrollBar>
 
@@ -173,6 +174,14 @@ void TextView::setContentOffset(const QPointF &offset)
 QPlainTextEdit *TextView::inputWidget() const
 {
     return m_editor;
+}
+
+void TextView::hideEvent(QHideEvent *event)
+{
+    View::hideEvent(event);
+    // A desktop window being minimised is not the screen going away.
+    if (!event->spontaneous())
+        resignFirstResponder();
 }
 
 void TextView::layoutSubviews()

@@ -2,7 +2,8 @@
 // An editable text box. Setting text in code changes it silently; every user edit and
 // insertText() goes through the delegate's should-change (UTF-16 range and replacement) and,
 // when applied, did-change. Becoming first responder (by code or by clicking into it) starts
-// editing and raises the simulated keyboard; resigning ends editing and lowers it. Subviews
+// editing and raises the simulated keyboard; resigning ends editing and lowers it, and so does
+// hiding the text view or a view holding it (its screen leaving, say). Subviews
 // (such as a placeholder) lie over the text. Main thread.
 
 #include "Range.h"
@@ -58,6 +59,7 @@ public:
 
 protected:
     void layoutSubviews() override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
     friend class TextViewEditor;
