@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QNetworkReply>
 #include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -28,7 +29,8 @@ QByteArray pngOfColor(const QColor &color)
 }
 
 // Serves "/<name>.png" as a picture of the colour registered under that name; answers for
-// held names wait until released. Counts the requests it gets.
+// held names wait until released. Counts the requests it gets. Answers carry freshness
+// headers unless told otherwise.
 class PictureServer : public QObject
 {
 public:
@@ -46,15 +48,18 @@ public:
         return QUrl(QStringLiteral("http://127.0.0.1:%1/%2.png").arg(m_server.serverPort()).arg(name));
     }
     void add(const QString &name, const QColor &color) { m_pictures[name] = pngOfColor(color); }
-    void hold(const QString &name) { m_held[name] = nullptr; }
+    void hold(const QString &name) { m_held[name]; }
     void release(const QString &name)
     {
-        QPointer<QTcpSocket> socket = m_held[name];
+        const std::vector<QPointer<QTcpSocket>> sockets = m_held[name];
         m_held.erase(name);
-        if (socket)
-            answer(socket, name);
+        for (const QPointer<QTcpSocket> &socket : sockets) {
+            if (socket && socket->state() == QAbstractSocket::ConnectedState)
+                answer(socket, name);
+        }
     }
     int requests = 0;
+    bool sendsCacheHeaders = true;
 
 private:
     void serve(QTcpSocket *socket)
@@ -64,7 +69,7 @@ private:
         const QString name = QString::fromUtf8(path.mid(1)).chopped(4);
         ++requests;
         if (m_held.count(name)) {
-            m_held[name] = socket;
+            m_held[name].push_back(socket);
             return;
         }
         answer(socket, name);
@@ -74,14 +79,15 @@ private:
         const auto found = m_pictures.find(name);
         const QByteArray body = found == m_pictures.end() ? QByteArray("no such picture") : found->second;
         const QByteArray status = found == m_pictures.end() ? "404 Not Found" : "200 OK";
-        socket->write("HTTP/1.1 " + status + "\r\nContent-Type: image/png\r\nCache-Control: max-age=3600\r\n"
+        const QByteArray freshness = sendsCacheHeaders ? "Cache-Control: max-age=3600\r\n" : "";
+        socket->write("HTTP/1.1 " + status + "\r\nContent-Type: image/png\r\n" + freshness +
                       "Content-Length: " + QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body);
         socket->disconnectFromHost();
     }
 
     QTcpServer m_server;
     std::map<QString, QByteArray> m_pictures;
-    std::map<QString, QPointer<QTcpSocket>> m_held;
+    std::map<QString, std::vector<QPointer<QTcpSocket>>> m_held;
 };
 
 QColor centreOf(const ImageView &view)
@@ -120,12 +126,28 @@ TEST_F(ImageViewTest, aReusedViewNeverShowsTheEarlierRecordsLateImage)
     server.hold("red");
     view.setImageWithURL(server.url("red"));
     ASSERT_TRUE(testsupport::waitUntil([&] { return server.requests == 1; }));
+    QPointer<QNetworkReply> late = view.findChild<QNetworkReply *>();
+    ASSERT_TRUE(late);
     view.setImageWithURL(server.url("blue"));
     ASSERT_TRUE(testsupport::waitUntil([&] { return centreOf(view) == QColor(Qt::blue); }));
     server.release("red");
-    testsupport::spinFor(200);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !late || late->isFinished(); }));
     EXPECT_EQ(centreOf(view), QColor(Qt::blue));
     EXPECT_EQ(view.imageURL(), server.url("blue"));
+
+    // A record without a picture: the image set directly stays.
+    server.hold("red");
+    view.setImageWithURL(server.url("red"));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return server.requests == 3; }));
+    late = view.findChild<QNetworkReply *>();
+    ASSERT_TRUE(late);
+    QImage own(8, 8, QImage::Format_RGB32);
+    own.fill(Qt::green);
+    view.setImage(own);
+    EXPECT_TRUE(view.imageURL().isEmpty());
+    server.release("red");
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !late || late->isFinished(); }));
+    EXPECT_EQ(centreOf(view), QColor(Qt::green));
 }
 
 TEST_F(ImageViewTest, cachedImagesAreNotFetchedAgain)
@@ -158,14 +180,18 @@ TEST_F(ImageViewTest, failedLoadKeepsThePlaceholderAndAViewGoneEarlyIsSafe)
     ASSERT_TRUE(testsupport::waitUntil([&] { return answered; }));
     EXPECT_EQ(centreOf(view), QColor(Qt::green));
 
+    // The answers for a view gone early and for one still there arrive together.
     server.hold("blue");
     auto early = std::make_unique<ImageView>(QRectF(0, 0, 64, 64));
     early->setImageLoader(loader.get());
     early->setImageWithURL(server.url("blue"));
-    ASSERT_TRUE(testsupport::waitUntil([&] { return server.requests == 2; }));
+    ImageView staying(QRectF(0, 0, 64, 64));
+    staying.setImageLoader(loader.get());
+    staying.setImageWithURL(server.url("blue"));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return server.requests == 3; }));
     early.reset();
     server.release("blue");
-    testsupport::spinFor(100);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return centreOf(staying) == QColor(Qt::blue); }));
 }
 
 } // namespace

@@ -18,8 +18,26 @@ ImageView::ImageView(const QRectF &frame, QWidget *parent) : ImageView(parent)
 
 void ImageView::setImage(const QImage &image)
 {
+    cancelLoad();
+    m_url = QUrl();
+    showImage(image);
+}
+
+void ImageView::showImage(const QImage &image)
+{
     m_image = image;
     update();
+}
+
+void ImageView::cancelLoad()
+{
+    if (!m_pending)
+        return;
+    // Its answer is not wanted any more: it must not reach this view even if already on its way.
+    disconnect(m_pending, nullptr, this, nullptr);
+    m_pending->abort();
+    m_pending->deleteLater();
+    m_pending = nullptr;
 }
 
 void ImageView::setContentMode(ContentMode mode)
@@ -36,11 +54,9 @@ void ImageView::setCornerRadius(qreal radius)
 
 void ImageView::setImageWithURL(const QUrl &url, const QImage &placeholder)
 {
-    if (m_pending)
-        m_pending->deleteLater(); // aborts it; its answer is not wanted any more
-    m_pending = nullptr;
+    cancelLoad();
     m_url = url;
-    setImage(placeholder);
+    showImage(placeholder);
     if (!url.isValid() || url.isEmpty())
         return;
     ImageLoader &loader = m_loader ? *m_loader : ImageLoader::shared();
@@ -49,7 +65,7 @@ void ImageView::setImageWithURL(const QUrl &url, const QImage &placeholder)
             return;
         m_pending = nullptr;
         if (!image.isNull())
-            setImage(image);
+            showImage(image);
         emit imageLoaded(url);
     });
 }

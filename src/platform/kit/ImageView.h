@@ -22,6 +22,7 @@ public:
     explicit ImageView(QWidget *parent = nullptr);
     explicit ImageView(const QRectF &frame, QWidget *parent = nullptr);
 
+    // Replaces whatever shows, and drops a load still running: its late answer is not wanted.
     void setImage(const QImage &image);
     QImage image() const { return m_image; }
     void setContentMode(ContentMode mode);
@@ -39,6 +40,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void cancelLoad();
+    void showImage(const QImage &image);
+
     QImage m_image;
     ContentMode m_contentMode = ContentMode::ScaleToFill;
     qreal m_cornerRadius = 0;
