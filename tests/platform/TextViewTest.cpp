@@ -113,6 +113,39 @@ TEST_F(TextViewTest, pasteGoesInWholeAndInputMethodCommitIsOfferedWhole)
     EXPECT_EQ(textView->text(), "粘贴的文字你好");
 }
 
+TEST_F(TextViewTest, compositionOverASelectionReplacesItOnlyOnCommit)
+{
+    auto compose = [&](const QString &preedit) {
+        QInputMethodEvent composing(preedit, {});
+        QCoreApplication::sendEvent(textView->inputWidget(), &composing);
+    };
+    auto commit = [&](const QString &text) {
+        QInputMethodEvent committing;
+        committing.setCommitString(text);
+        QCoreApplication::sendEvent(textView->inputWidget(), &committing);
+    };
+
+    textView->setText("hello world");
+    textView->setSelectedRange({6, 5});
+    compose("ni");
+    compose("nih");
+    EXPECT_EQ(textView->text(), "hello world");
+    EXPECT_TRUE(recorder.asked.empty());
+    commit("你");
+    EXPECT_EQ(recorder.asked, (std::vector<Edit>{{{6, 5}, "你"}}));
+    EXPECT_EQ(textView->text(), "hello 你");
+    EXPECT_EQ(std::count(recorder.events.begin(), recorder.events.end(), "change"), 1);
+
+    // Refused: the text and the selection stay as they were.
+    recorder.limit = 0;
+    textView->setSelectedRange({0, 5});
+    compose("ha");
+    commit("哈");
+    EXPECT_EQ(recorder.asked.back(), (Edit{{0, 5}, "哈"}));
+    EXPECT_EQ(textView->text(), "hello 你");
+    EXPECT_EQ(textView->selectedRange(), (Range{0, 5}));
+}
+
 TEST_F(TextViewTest, firstResponderRaisesAndLowersTheKeyboard)
 {
     std::vector<KeyboardNotification> shown;

@@ -122,17 +122,33 @@ void TextViewEditor::keyPressEvent(QKeyEvent *event)
 
 void TextViewEditor::inputMethodEvent(QInputMethodEvent *event)
 {
+    const bool composes = !event->preeditString().isEmpty();
+    if (composes && !m_markedRange && textCursor().hasSelection()) {
+        // Qt would delete the selection behind the delegate's back as composing starts.
+        m_markedRange = selectionOrCursor();
+        QTextCursor cursor = textCursor();
+        cursor.setPosition(cursor.selectionStart());
+        setTextCursor(cursor);
+    }
+    std::optional<Range> refusedSelection;
     if (m_owner->isEditable() && (!event->commitString().isEmpty() || event->replacementLength() > 0)) {
-        Range range = selectionOrCursor();
-        if (range.length == 0 && event->replacementLength() > 0) {
+        Range range = m_markedRange.value_or(selectionOrCursor());
+        if (!m_markedRange && range.length == 0 && event->replacementLength() > 0) {
             range.location += event->replacementStart();
             range.length = event->replacementLength();
         }
-        m_owner->replaceRange(range, event->commitString());
+        if (!m_owner->replaceRange(range, event->commitString()))
+            refusedSelection = m_markedRange;
+        m_markedRange.reset();
     }
+    if (!composes)
+        m_markedRange.reset();
     // What is still being composed is shown by Qt; it becomes text only when committed.
     QInputMethodEvent composing(event->preeditString(), event->attributes());
     QPlainTextEdit::inputMethodEvent(&composing);
+    // Selected again only now: Qt deletes a selection while it ends a composition.
+    if (refusedSelection)
+        m_owner->setSelectedRange(*refusedSelection);
     event->accept();
 }
 

@@ -7,6 +7,8 @@
 
 #include <QPlainTextEdit>
 
+#include <optional>
+
 class TextView;
 
 class TextViewEditor : public QPlainTextEdit
@@ -31,4 +33,6 @@ private:
     Range deletionRange(bool backwards) const;
 
     TextView *m_owner;
+    // The selection a composition started on: it stays in the text until the commit replaces it.
+    std::optional<Range> m_markedRange;
 };
