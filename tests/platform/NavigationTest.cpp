@@ -309,6 +309,27 @@ TEST_F(NavigationTest, keyboardGoesWithTheScreenItWasRaisedOn)
     EXPECT_TRUE(keyboardIsDown(field));
 }
 
+TEST_F(NavigationTest, dismissedWhileSlidingInItArrivesThenLeaves)
+{
+    auto modal = std::make_shared<Screen>("modal", &log);
+    bool presented = false;
+    bool dismissed = false;
+    navigation->presentViewController(modal, true, [&] { presented = true; });
+    ASSERT_TRUE(testsupport::waitUntil([&] { return modal->isOnScreen(); }));
+    ASSERT_FALSE(presented);
+    modal->dismissViewControllerAnimated(true, [&] { dismissed = true; });
+    ASSERT_TRUE(testsupport::waitUntil([&] { return dismissed; }));
+    EXPECT_TRUE(presented);
+    EXPECT_TRUE(home->view()->isVisible());
+    EXPECT_TRUE(home->isOnScreen());
+    EXPECT_FALSE(modal->isOnScreen());
+    EXPECT_EQ(Window::of(modal->view()), nullptr);
+    EXPECT_EQ(window->topmostViewController(), navigation.get());
+    EXPECT_EQ(log, (Log{"modal.viewDidLoad(unset)", "home.willDisappear", "modal.willAppear", "home.didDisappear",
+                        "modal.didAppear", "modal.willDisappear", "home.willAppear", "modal.didDisappear",
+                        "home.didAppear"}));
+}
+
 TEST_F(NavigationTest, presentAndDismissAWholeNavigationController)
 {
     auto modal = std::make_shared<Screen>("modal", &log);

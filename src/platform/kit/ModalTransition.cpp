@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <QVariantAnimation>
 
+#include <utility>
+
 namespace {
 // Slides `view` vertically from `fromY` to `toY`, then runs `done` (at once when not animated).
 void slide(View *view, qreal fromY, qreal toY, bool animated, std::function<void()> done)
@@ -43,19 +45,25 @@ void ModalTransition::present(ViewController *presenter, ViewController *present
     View *view = presented->view();
     window->addPresentedView(view);
     view->setFrame(window->bounds());
+    presenter->m_presentationRunning = true;
     presenter->beginAppearanceTransition(false, animated);
     presented->beginAppearanceTransition(true, animated);
     QPointer<ViewController> presenterGuard(presenter);
     QPointer<ViewController> presentedGuard(presented);
     slide(view, window->height(), 0, animated, [=] {
-        if (!presenterGuard || !presentedGuard)
+        if (!presenterGuard)
             return;
-        if (presenter->isViewLoaded())
-            presenter->view()->hide();
-        presenter->endAppearanceTransition(false, animated);
-        presented->endAppearanceTransition(true, animated);
-        if (completion)
-            completion();
+        presenter->m_presentationRunning = false;
+        if (presentedGuard) {
+            if (presenter->isViewLoaded())
+                presenter->view()->hide();
+            presenter->endAppearanceTransition(false, animated);
+            presented->endAppearanceTransition(true, animated);
+            if (completion)
+                completion();
+        }
+        if (std::function<void()> waiting = std::exchange(presenter->m_afterPresentation, {}))
+            waiting();
     });
 }
 
@@ -64,6 +72,12 @@ void ModalTransition::dismiss(ViewController *presenter, bool animated, const st
     ViewController *presented = presenter->m_presented.get();
     if (!presented) {
         presenter->m_dismissing = false;
+        return;
+    }
+    // Dismissed while still sliding in: it finishes arriving first, so that its end does not
+    // hide the presenter again once the dismissal has shown it.
+    if (presenter->m_presentationRunning) {
+        presenter->m_afterPresentation = [presenter, animated, completion] { dismiss(presenter, animated, completion); };
         return;
     }
     // Whatever the dismissed controller presents goes with it.

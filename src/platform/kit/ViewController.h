@@ -83,6 +83,9 @@ private:
     QPointer<ViewController> m_presenting;
     std::shared_ptr<ViewController> m_presented;
     bool m_dismissing = false;
+    // While what this controller presents is still sliding in, a dismissal waits here.
+    bool m_presentationRunning = false;
+    std::function<void()> m_afterPresentation;
     bool m_onScreen = false;
     unsigned m_edges = RectEdgeAll;
     bool m_includesOpaqueBars = false;
