@@ -78,6 +78,17 @@ TEST_F(TextViewTest, returnKeyBackspaceAndSelectionArriveAsReplacements)
     QTest::keyClick(textView->inputWidget(), Qt::Key_Return);
     EXPECT_EQ(recorder.asked.back(), (Edit{{1, 0}, "\n"}));
 
+    // Backspace and delete take whole user-perceived characters.
+    textView->setText(QStringLiteral("a❤️👍🏽b"));
+    textView->setSelectedRange({3, 0});
+    QTest::keyClick(textView->inputWidget(), Qt::Key_Backspace);
+    EXPECT_EQ(recorder.asked.back(), (Edit{{1, 2}, ""}));
+    EXPECT_EQ(textView->text(), QStringLiteral("a👍🏽b"));
+    textView->setSelectedRange({1, 0});
+    QTest::keyClick(textView->inputWidget(), Qt::Key_Delete);
+    EXPECT_EQ(recorder.asked.back(), (Edit{{1, 4}, ""}));
+    EXPECT_EQ(textView->text(), "ab");
+
     textView->setText("hello");
     textView->setSelectedRange({1, 3});
     QTest::keyClicks(textView->inputWidget(), "E");
@@ -169,7 +180,8 @@ TEST_F(TextViewTest, firstResponderRaisesAndLowersTheKeyboard)
     window->addSubview(other);
     ASSERT_TRUE(other->becomeFirstResponder());
     EXPECT_FALSE(textView->isFirstResponder());
-    EXPECT_EQ(shown.size(), 2u);
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[1].frameBegin, QRectF(0, 667 - 258, 375, 258)); // from where it already is
     EXPECT_TRUE(hidden.empty());
     EXPECT_EQ(recorder.events, (std::vector<std::string>{"begin", "end"}));
 

@@ -24,8 +24,9 @@ QSizeF KeyboardObserver::windowSizeOf(const QWidget *input) const
 
 void KeyboardObserver::inputDidBecomeFirstResponder(QWidget *input)
 {
-    const bool wasVisible = isKeyboardVisible();
+    const bool wasVisible = m_keyboardVisible;
     m_firstResponder = input;
+    m_keyboardVisible = true;
     const QSizeF size = windowSizeOf(input);
     emit keyboardWillShow(
         KeyboardNotification{keyboardFrame(wasVisible, size), keyboardFrame(true, size), kAnimationDuration});
@@ -37,6 +38,7 @@ void KeyboardObserver::inputDidResignFirstResponder(QWidget *input, bool handing
         return;
     const QSizeF size = windowSizeOf(input);
     m_firstResponder = nullptr;
+    m_keyboardVisible = handingOver;
     if (!handingOver)
         emit keyboardWillHide(KeyboardNotification{keyboardFrame(true, size), keyboardFrame(false, size),
                                                    kAnimationDuration});

@@ -27,7 +27,7 @@ public:
     static KeyboardObserver &shared();
 
     QWidget *firstResponder() const { return m_firstResponder; }
-    bool isKeyboardVisible() const { return m_firstResponder != nullptr; }
+    bool isKeyboardVisible() const { return m_keyboardVisible; }
     // Where the keyboard is (when visible) or would be, for the given window height.
     static QRectF keyboardFrame(bool visible, const QSizeF &windowSize);
 
@@ -44,4 +44,6 @@ private:
     QSizeF windowSizeOf(const QWidget *input) const;
 
     QPointer<QWidget> m_firstResponder;
+    // Stays set while one input hands the keyboard to the next.
+    bool m_keyboardVisible = false;
 };

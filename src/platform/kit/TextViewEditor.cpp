@@ -5,6 +5,7 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QTextBoundaryFinder>
 
 namespace {
 bool isNavigationOrCopy(QKeyEvent *event)
@@ -79,18 +80,13 @@ Range TextViewEditor::deletionRange(bool backwards) const
     const Range selection = selectionOrCursor();
     if (selection.length > 0)
         return selection;
-    const QString text = toPlainText();
-    const qsizetype at = selection.location;
-    if (backwards) {
-        if (at == 0)
-            return Range{0, 0};
-        const bool pair = at >= 2 && text.at(at - 1).isLowSurrogate() && text.at(at - 2).isHighSurrogate();
-        return pair ? Range{at - 2, 2} : Range{at - 1, 1};
-    }
-    if (at >= text.size())
-        return Range{at, 0};
-    const bool pair = at + 1 < text.size() && text.at(at).isHighSurrogate() && text.at(at + 1).isLowSurrogate();
-    return Range{at, pair ? 2 : 1};
+    // One user-perceived character: an emoji with its variation selector or skin tone goes whole.
+    QTextBoundaryFinder graphemes(QTextBoundaryFinder::Grapheme, toPlainText());
+    graphemes.setPosition(selection.location);
+    const qsizetype other = backwards ? graphemes.toPreviousBoundary() : graphemes.toNextBoundary();
+    if (other < 0)
+        return Range{selection.location, 0};
+    return backwards ? Range{other, selection.location - other} : Range{selection.location, other - selection.location};
 }
 
 void TextViewEditor::keyPressEvent(QKeyEvent *event)

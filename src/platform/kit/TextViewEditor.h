@@ -29,7 +29,7 @@ protected:
 
 private:
     // The range a backspace (backwards) or forward delete removes: the selection, else one
-    // character (a surrogate pair counts as one).
+    // grapheme cluster.
     Range deletionRange(bool backwards) const;
 
     TextView *m_owner;
