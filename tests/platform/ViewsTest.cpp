@@ -118,14 +118,16 @@ TEST(WindowTest, setsTheMainScreenAndGrabsToPng)
     MainScreen::setSize(MainScreen::kDefaultSize);
 }
 
-TEST(ReachabilityTest, unknownCountsAsReachableAndTheProbeCanBeUnplugged)
+TEST(ReachabilityTest, onlyADisconnectedNetworkIsUnreachableAndTheProbeCanBeUnplugged)
 {
     using R = QNetworkInformation::Reachability;
     using M = QNetworkInformation::TransportMedium;
     EXPECT_EQ(Reachability::statusFor(R::Unknown, M::Unknown), Reachability::ReachableViaWiFi);
     EXPECT_EQ(Reachability::statusFor(R::Online, M::Cellular), Reachability::ReachableViaWWAN);
     EXPECT_EQ(Reachability::statusFor(R::Disconnected, M::Ethernet), Reachability::NotReachable);
-    EXPECT_EQ(Reachability::statusFor(R::Local, M::WiFi), Reachability::NotReachable);
+    // A server on the LAN or on this machine is reachable without the internet.
+    EXPECT_EQ(Reachability::statusFor(R::Local, M::WiFi), Reachability::ReachableViaWiFi);
+    EXPECT_EQ(Reachability::statusFor(R::Site, M::Ethernet), Reachability::ReachableViaWiFi);
 
     const Reachability probe = Reachability::reachabilityWithHostName("www.example.com");
     Reachability::setForcedStatus(Reachability::NotReachable);

@@ -36,9 +36,10 @@ Reachability::NetworkStatus Reachability::statusFor(QNetworkInformation::Reachab
 {
     switch (reachability) {
     case QNetworkInformation::Reachability::Disconnected:
+        return NotReachable;
+    // A server on the local network or this machine is reachable without the internet.
     case QNetworkInformation::Reachability::Local:
     case QNetworkInformation::Reachability::Site:
-        return NotReachable;
     case QNetworkInformation::Reachability::Online:
     case QNetworkInformation::Reachability::Unknown:
         break;
