@@ -161,13 +161,24 @@ TEST_F(ImageViewTest, cachedImagesAreNotFetchedAgain)
     EXPECT_EQ(centreOf(second), QColor(Qt::red));
     EXPECT_EQ(server.requests, 1);
 
-    // From disk: a loader with an empty memory but the same cache folder.
+    // From disk, before the call returns: a loader with an empty memory but the same folder.
     ImageLoader fresh(cacheDir.filePath("images"));
     ImageView third(QRectF(0, 0, 64, 64));
     third.setImageLoader(&fresh);
     third.setImageWithURL(server.url("red"));
-    ASSERT_TRUE(testsupport::waitUntil([&] { return centreOf(third) == QColor(Qt::red); }));
+    EXPECT_EQ(centreOf(third), QColor(Qt::red));
     EXPECT_EQ(server.requests, 1);
+
+    // Also when the answer said nothing about how long it stays fresh.
+    server.sendsCacheHeaders = false;
+    view.setImageWithURL(server.url("blue"));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return centreOf(view) == QColor(Qt::blue); }));
+    ImageLoader another(cacheDir.filePath("images"));
+    ImageView fourth(QRectF(0, 0, 64, 64));
+    fourth.setImageLoader(&another);
+    fourth.setImageWithURL(server.url("blue"));
+    EXPECT_EQ(centreOf(fourth), QColor(Qt::blue));
+    EXPECT_EQ(server.requests, 2);
 }
 
 TEST_F(ImageViewTest, failedLoadKeepsThePlaceholderAndAViewGoneEarlyIsSafe)

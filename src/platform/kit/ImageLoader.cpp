@@ -5,6 +5,8 @@
 #include <QNetworkReply>
 #include <QStandardPaths>
 
+#include <memory>
+
 ImageLoader &ImageLoader::shared()
 {
     static ImageLoader *loader = new ImageLoader(
@@ -27,11 +29,26 @@ QImage ImageLoader::cachedImage(const QUrl &url) const
     return image ? *image : QImage();
 }
 
+void ImageLoader::remember(const QUrl &url, const QImage &image)
+{
+    m_memoryCache.insert(url, new QImage(image), qMax<qsizetype>(1, image.sizeInBytes() / 1024));
+}
+
 QNetworkReply *ImageLoader::loadImage(const QUrl &url, QObject *context, Completion completion)
 {
     if (const QImage *cached = m_memoryCache.object(url)) {
         completion(*cached);
         return nullptr;
+    }
+    // The disk copy serves even when its answer said nothing about freshness: pictures at a
+    // URL do not change.
+    if (const std::unique_ptr<QIODevice> stored{m_network.cache()->data(url)}) {
+        const QImage image = QImage::fromData(stored->readAll());
+        if (!image.isNull()) {
+            remember(url, image);
+            completion(image);
+            return nullptr;
+        }
     }
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::PreferCache);
@@ -43,7 +60,7 @@ QNetworkReply *ImageLoader::loadImage(const QUrl &url, QObject *context, Complet
         if (reply->error() == QNetworkReply::NoError)
             image = QImage::fromData(reply->readAll());
         if (!image.isNull())
-            m_memoryCache.insert(url, new QImage(image), qMax<qsizetype>(1, image.sizeInBytes() / 1024));
+            remember(url, image);
         else
             qWarning("ImageLoader: no image from %s (%s)", qPrintable(url.toString()),
                      qPrintable(reply->errorString()));

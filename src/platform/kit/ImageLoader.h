@@ -26,14 +26,17 @@ public:
 
     explicit ImageLoader(const QString &diskCacheDirectory, QObject *parent = nullptr);
 
-    // A memory hit answers before returning (and returns null); otherwise the returned reply
-    // (a child of `context`) answers later with the image, or a null image on failure.
+    // A hit in the memory or disk cache answers before returning (and returns null); otherwise
+    // the returned reply (a child of `context`) answers later with the image, or a null image
+    // on failure.
     QNetworkReply *loadImage(const QUrl &url, QObject *context, Completion completion);
 
     QImage cachedImage(const QUrl &url) const;
     void clearMemoryCache() { m_memoryCache.clear(); }
 
 private:
+    void remember(const QUrl &url, const QImage &image);
+
     QNetworkAccessManager m_network;
     QCache<QUrl, QImage> m_memoryCache;
 };
