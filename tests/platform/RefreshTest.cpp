@@ -1,6 +1,7 @@
 // Pull-to-refresh header and footer: states, texts, actions and the room they keep.
 #include "KitTestSupport.h"
 
+#include "Button.h"
 #include "EventLoop.h"
 #include "RefreshFooter.h"
 #include "RefreshHeader.h"
@@ -92,6 +93,30 @@ TEST_F(RefreshTest, aBarInsetArrivingLaterKeepsTheRefreshingHeaderInView)
     table->setContentOffset(QPointF(0, 300));
     table->setAutomaticTopInset(64);
     EXPECT_EQ(table->contentOffset().y(), 300);
+}
+
+TEST_F(RefreshTest, viewsReplacedFromTheirOwnSignalsGoOnceTheSignalIsDone)
+{
+    // A header that hands over to a new one as it starts refreshing.
+    QPointer<RefreshHeader> first = new RefreshHeader();
+    table->setHeader(first);
+    QObject::connect(first, &RefreshControl::stateChanged, [&] { table->setHeader(new RefreshHeader()); });
+    first->beginRefreshing();
+    EXPECT_TRUE(first);
+    EXPECT_NE(table->header(), first);
+
+    // A header view whose button replaces it.
+    QPointer<Button> button = new Button();
+    button->setFrame(QRectF(0, 0, 375, 44));
+    QObject::connect(button, &Button::touchUpInside, [&] { table->setTableHeaderView(new Button()); });
+    table->setTableHeaderView(button);
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_TRUE(button);
+    EXPECT_NE(table->tableHeaderView(), button);
+
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(first);
+    EXPECT_FALSE(button);
 }
 
 TEST_F(RefreshTest, targetThatIsGoneIsNotCalled)

@@ -176,7 +176,7 @@ QPointF ScrollView::rubberBanded(const QPointF &offset) const
 void ScrollView::setHeader(RefreshHeader *header)
 {
     if (m_header && m_header != header)
-        delete m_header.data();
+        releaseRefreshControl(m_header);
     m_header = header;
     if (header) {
         header->setParent(viewport());
@@ -189,7 +189,7 @@ void ScrollView::setHeader(RefreshHeader *header)
 void ScrollView::setFooter(RefreshFooter *footer)
 {
     if (m_footer && m_footer != footer)
-        delete m_footer.data();
+        releaseRefreshControl(m_footer);
     m_footer = footer;
     if (footer) {
         footer->setParent(viewport());
@@ -197,6 +197,13 @@ void ScrollView::setFooter(RefreshFooter *footer)
         footer->show();
     }
     placeRefreshControls();
+}
+
+void ScrollView::releaseRefreshControl(RefreshControl *control)
+{
+    // Deleted later: the replacing may come from the control's own signal.
+    control->attach(nullptr);
+    ViewSupport::removeFromSuperview(control);
 }
 
 void ScrollView::applyOffset(const QPointF &offset)

@@ -56,7 +56,8 @@ public:
     QPointF minimumContentOffset() const;
     QPointF maximumContentOffset() const;
 
-    // The scroll view owns its refresh controls; setting one replaces (deletes) the old one.
+    // The scroll view owns its refresh controls; setting one replaces the old one, which is
+    // deleted once control returns to the event loop.
     void setHeader(RefreshHeader *header);
     RefreshHeader *header() const { return m_header; }
     void setFooter(RefreshFooter *footer);
@@ -84,6 +85,7 @@ private:
     QPointF rubberBanded(const QPointF &offset) const;
     QPointF pageTarget() const;
     void placeRefreshControls();
+    void releaseRefreshControl(RefreshControl *control);
 
     ScrollViewDelegate *m_delegate = nullptr;
     QWidget *m_content = nullptr;

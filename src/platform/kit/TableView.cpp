@@ -114,8 +114,9 @@ void TableView::setSeparatorStyle(SeparatorStyle style)
 
 void TableView::replaceTableView(QPointer<QWidget> &slot, QWidget *view, qreal &height)
 {
+    // Deleted later: the replacing may come from the old view's own signal.
     if (slot && slot != view)
-        delete slot.data();
+        ViewSupport::removeFromSuperview(slot);
     slot = view;
     height = view ? ViewSupport::frame(view).height() : 0;
     if (view) {

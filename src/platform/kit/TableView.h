@@ -64,7 +64,7 @@ public:
     SeparatorStyle separatorStyle() const { return m_separatorStyle; }
 
     // The table owns these views and takes their height from their frame when set; a
-    // replaced view is deleted.
+    // replaced view is deleted once control returns to the event loop.
     void setTableHeaderView(QWidget *view);
     QWidget *tableHeaderView() const { return m_tableHeaderView; }
     void setTableFooterView(QWidget *view);
