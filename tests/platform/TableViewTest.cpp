@@ -169,7 +169,8 @@ TEST_F(TableViewTest, replacingTheHeaderViewDeletesTheOldOneAndMovesTheRows)
     table->reloadData();
     QPointer<QWidget> old = table->tableHeaderView();
     table->setTableHeaderView(new View(QRectF(0, 0, 375, 250)));
-    QCoreApplication::processEvents();
+    EXPECT_EQ(old->parentWidget(), nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(old.isNull());
     EXPECT_EQ(table->rectForRowAtIndexPath({0, 0}).top(), 250);
     EXPECT_EQ(table->cellForRowAtIndexPath({0, 0})->geometry().top(), 250);
