@@ -1,6 +1,7 @@
 #pragma once
 // Shared by the kit's tests: a shown phone-sized window, and drags made of real mouse events.
 
+#include "Pointer.h"
 #include "ScrollView.h"
 #include "Window.h"
 
@@ -17,17 +18,12 @@ inline std::unique_ptr<Window> shownWindow()
     return window;
 }
 
-// Presses at `from` in the scroll view's viewport, moves by `delta` in steps, and lets go.
-inline void drag(ScrollView *scrollView, QPoint from, QPoint delta, int steps = 8)
+// A slow drag by a person's pointer, from `from` in the scroll view's viewport: the content
+// follows and, once let go, settles without gliding.
+inline void drag(ScrollView *scrollView, QPoint from, QPoint delta)
 {
-    QWidget *viewport = scrollView->viewport();
-    QTest::mousePress(viewport, Qt::LeftButton, {}, from);
-    for (int i = 1; i <= steps; ++i) {
-        const QPoint at = from + delta * i / steps;
-        QMouseEvent move(QEvent::MouseMove, at, viewport->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(viewport, &move);
-    }
-    QTest::mouseRelease(viewport, Qt::LeftButton, {}, from + delta);
+    testsupport::Pointer pointer(scrollView);
+    pointer.drag(pointer.inWindow(from, scrollView->viewport()), delta);
 }
 
 } // namespace kittest

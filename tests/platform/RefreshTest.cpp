@@ -9,6 +9,8 @@
 #include "TableViewCell.h"
 #include "TableViewDataSource.h"
 
+#include <QElapsedTimer>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -49,19 +51,26 @@ protected:
     TableView *table = nullptr;
 };
 
-TEST_F(RefreshTest, beginningRunsTheActionOnceUntilEnded)
+TEST_F(RefreshTest, beginningShowsAtOnceAndRunsTheActionOnceAfterSlidingIn)
 {
     Loader loader;
     auto *header = new RefreshHeader(&loader, &Loader::load);
     table->setHeader(header);
     EXPECT_EQ(header->stateText(), "下拉可以刷新");
 
+    QElapsedTimer clock;
+    clock.start();
     header->beginRefreshing();
-    EXPECT_EQ(loader.loads, 1);
+    // Shown at once; the action waits for the event loop and the slide-in.
     EXPECT_TRUE(header->isRefreshing());
     EXPECT_EQ(header->stateText(), "正在刷新数据中...");
     EXPECT_EQ(table->adjustedContentInset().top, RefreshHeader::kHeight);
+    EXPECT_EQ(loader.loads, 0);
     header->beginRefreshing();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return loader.loads == 1; }));
+    EXPECT_GE(clock.elapsed(), RefreshControl::kSlideInMs);
+    EXPECT_LT(clock.elapsed(), RefreshControl::kSlideInMs + 200);
+    QTest::qWait(RefreshControl::kSlideInMs);
     EXPECT_EQ(loader.loads, 1);
 
     header->endRefreshing();
@@ -69,7 +78,18 @@ TEST_F(RefreshTest, beginningRunsTheActionOnceUntilEnded)
     EXPECT_EQ(table->adjustedContentInset().top, 0);
     EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == 0; }));
     header->beginRefreshing();
-    EXPECT_EQ(loader.loads, 2);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return loader.loads == 2; }));
+}
+
+TEST_F(RefreshTest, aControlGoneBeforeItsSlideInEndsRunsNothing)
+{
+    Loader loader;
+    auto *header = new RefreshHeader(&loader, &Loader::load);
+    table->setHeader(header);
+    header->beginRefreshing();
+    table->setHeader(nullptr);
+    QTest::qWait(RefreshControl::kSlideInMs + 100);
+    EXPECT_EQ(loader.loads, 0);
 }
 
 TEST_F(RefreshTest, aBarInsetArrivingLaterKeepsTheRefreshingHeaderInView)
@@ -143,7 +163,7 @@ TEST_F(RefreshTest, pullingDownFarEnoughAndLettingGoRefreshes)
     EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == 0; }));
 
     kittest::drag(table, QPoint(100, 100), QPoint(0, 200));
-    EXPECT_EQ(refreshes, 1);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return refreshes == 1; }));
     EXPECT_EQ(states, (std::vector{RefreshControl::State::Pulling, RefreshControl::State::Refreshing}));
     // It settles with the header in view.
     EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == -RefreshHeader::kHeight; }));
@@ -161,8 +181,8 @@ TEST_F(RefreshTest, pullingUpPastTheLastRowLoadsMore)
     EXPECT_EQ(footer->stateText(), "上拉可以加载更多");
 
     kittest::drag(table, QPoint(100, 500), QPoint(0, -200));
-    EXPECT_EQ(loads, 1);
     EXPECT_EQ(footer->stateText(), "正在加载更多的数据...");
+    EXPECT_TRUE(testsupport::waitUntil([&] { return loads == 1; }));
     EXPECT_TRUE(testsupport::waitUntil([&] { return table->contentOffset().y() == bottom + RefreshFooter::kHeight; }));
 
     footer->endRefreshing();
@@ -180,7 +200,7 @@ TEST_F(RefreshTest, footerBelowShortContentSitsAtTheBottomOfTheView)
     int loads = 0;
     footer->setRefreshingBlock([&] { ++loads; });
     kittest::drag(table, QPoint(100, 500), QPoint(0, -200));
-    EXPECT_EQ(loads, 1);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return loads == 1; }));
 }
 
 } // namespace

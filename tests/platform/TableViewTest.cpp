@@ -138,6 +138,7 @@ TEST_F(TableViewTest, rowsHeadersAndFootersLieWhereTheDelegateSays)
     EXPECT_EQ(table->rectForHeaderInSection(2), QRectF(0, 314, 375, 46));
 
     // On screen everything sits 64 points lower, under the bar.
+    table->layoutIfNeeded();
     EXPECT_EQ(header->geometry(), QRect(0, 64, 375, 100));
     EXPECT_EQ(table->cellForRowAtIndexPath({0, 0})->geometry(), QRect(0, 64 + 146, 375, 30));
     EXPECT_EQ(table->cellForRowAtIndexPath({1, 0})->geometry(), QRect(0, 64 + 263, 375, 50));

@@ -28,6 +28,9 @@ RefreshControl::RefreshControl(qreal height, RefreshingBlock block, QWidget *par
 void RefreshControl::attach(ScrollView *scrollView)
 {
     m_scrollView = scrollView;
+    // A short list must still be pullable.
+    if (scrollView)
+        scrollView->setAlwaysBounceVertical(true);
 }
 
 void RefreshControl::setAutomaticallyChangeAlpha(bool changes)
@@ -42,8 +45,12 @@ void RefreshControl::beginRefreshing()
         return;
     setState(State::Refreshing);
     keepRoom(true);
-    if (m_block)
-        m_block();
+    // Runs even when refreshing ended meanwhile, as a begun refresh always does; not once the
+    // control is gone.
+    QTimer::singleShot(kSlideInMs, this, [this] {
+        if (m_block)
+            m_block();
+    });
 }
 
 void RefreshControl::endRefreshing()

@@ -2,8 +2,9 @@
 // Common part of the pull-to-refresh controls: the state (idle, pulling far enough, refreshing),
 // the action run when refreshing begins (a block, or a target and member function), a short
 // state text with a spinner, and the link to the scroll view that owns the control. Beginning
-// to refresh runs the action at once; beginning again while refreshing does nothing.
-// Main thread.
+// to refresh shows the control at once and runs the action after its slide-in, once control
+// has returned to the event loop, so requests the caller sends right after beginRefreshing()
+// go out before the action's; beginning again while refreshing does nothing. Main thread.
 
 #include "View.h"
 
@@ -19,6 +20,8 @@ class RefreshControl : public View
     Q_OBJECT
 public:
     enum class State { Idle = 1, Pulling = 2, Refreshing = 3 };
+    // How long the control takes to slide into view before its action runs.
+    static constexpr int kSlideInMs = 250;
     using RefreshingBlock = std::function<void()>;
 
     void setRefreshingBlock(RefreshingBlock block) { m_block = std::move(block); }

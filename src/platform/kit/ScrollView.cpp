@@ -2,9 +2,12 @@
 
 #include "RefreshFooter.h"
 #include "RefreshHeader.h"
+#include "ScrollGestureArbiter.h"
 #include "ScrollViewDelegate.h"
 #include "ViewSupport.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QVariantAnimation>
 #include <QWheelEvent>
@@ -12,12 +15,30 @@
 #include <cmath>
 
 namespace {
-constexpr qreal kDragSlop = 4;
-// Beyond the content's edges the content follows the finger at this rate.
+// Beyond the content's edges the content follows the pointer at this rate.
 constexpr qreal kOverscrollResistance = 0.5;
 constexpr qreal kWheelPointsPerNotch = 40;
+constexpr qreal kDegreesPerNotch = 120;
+// A wheel stroke ends when no wheel event came for this long (wheels report no phases).
+constexpr int kWheelStrokeEndMs = 150;
+constexpr qreal kKeyLineStep = 40;
+// Page Up / Page Down keep this much of the old page in view.
+constexpr qreal kKeyPageOverlap = 40;
 // Offsets this close count as the same place.
 constexpr qreal kOffsetTolerance = 0.5;
+// Released faster than this (points per millisecond), a paging view turns the page.
+constexpr qreal kPageFlickVelocity = 0.3;
+// Released slower than this, the content stops where it is.
+constexpr qreal kMinGlideVelocity = 0.05;
+// How far released content glides per unit of speed: the phone's normal deceleration, which
+// keeps 99.8% of the speed each millisecond, travels v * 0.998 / 0.002.
+constexpr qreal kGlideMsPerVelocity = 0.998 / 0.002;
+constexpr int kMaxGlideMs = 1500;
+// An ease-out cubic curve starts at three times its mean speed: a glide of distance d that
+// starts at the release speed v lasts 3d / v.
+constexpr qreal kEaseOutStartSpeedRatio = 3;
+
+const QEvent::Type kLayoutEvent = QEvent::Type(QEvent::registerEventType());
 } // namespace
 
 ScrollView::ScrollView(QWidget *parent) : QAbstractScrollArea(parent)
@@ -25,8 +46,19 @@ ScrollView::ScrollView(QWidget *parent) : QAbstractScrollArea(parent)
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setFocusPolicy(Qt::NoFocus);
+    // Keys reach a scroll view that was tabbed to or touched while nothing else had focus;
+    // a touch never takes focus from an editing text view, as on the phone.
+    setFocusPolicy(Qt::TabFocus);
     viewport()->setAutoFillBackground(false);
+    ScrollGestureArbiter::install();
+    m_wheelStrokeEnd.setSingleShot(true);
+    m_wheelStrokeEnd.setInterval(kWheelStrokeEndMs);
+    connect(&m_wheelStrokeEnd, &QTimer::timeout, this, [this] {
+        if (!m_wheelStroke)
+            return;
+        m_wheelStroke = false;
+        finishDragging(0);
+    });
 }
 
 ScrollView::ScrollView(const QRectF &frame, QWidget *parent) : ScrollView(parent)
@@ -87,10 +119,12 @@ void ScrollView::setUserInteractionEnabled(bool enabled)
 
 void ScrollView::setContentOffset(const QPointF &offset, bool animated)
 {
-    if (animated)
-        animateOffset(offset, false);
-    else
-        applyOffset(offset);
+    if (animated) {
+        animateOffset(offset, kDecelerationMs, false);
+        return;
+    }
+    stopScrolling();
+    applyOffset(offset);
 }
 
 void ScrollView::setContentSize(const QSizeF &size)
@@ -99,12 +133,14 @@ void ScrollView::setContentSize(const QSizeF &size)
     if (m_content)
         m_content->resize(size.toSize().expandedTo(QSize(1, 1)));
     placeRefreshControls();
+    setNeedsLayout();
 }
 
 void ScrollView::setContentInset(const EdgeInsets &inset)
 {
     m_contentInset = inset;
     placeRefreshControls();
+    setNeedsLayout();
 }
 
 EdgeInsets ScrollView::insetWithoutRefresh() const
@@ -137,6 +173,7 @@ void ScrollView::setAutomaticTopInset(qreal inset)
         applyOffset(m_offset - shift);
     else
         placeRefreshControls();
+    setNeedsLayout();
 }
 
 void ScrollView::setRefreshInset(qreal top, qreal bottom)
@@ -144,6 +181,7 @@ void ScrollView::setRefreshInset(qreal top, qreal bottom)
     m_refreshTop = top;
     m_refreshBottom = bottom;
     placeRefreshControls();
+    setNeedsLayout();
 }
 
 QPointF ScrollView::minimumContentOffset() const
@@ -169,8 +207,30 @@ QPointF ScrollView::clampedOffset(const QPointF &offset) const
 
 QPointF ScrollView::rubberBanded(const QPointF &offset) const
 {
-    const QPointF clamped = clampedOffset(offset);
-    return clamped + (offset - clamped) * kOverscrollResistance;
+    // Along the drag's axis only: the other axis stays where it was.
+    const qreal value = along(offset);
+    const qreal clamped = along(clampedOffset(offset));
+    return withAlong(offset, clamped + (value - clamped) * kOverscrollResistance);
+}
+
+qreal ScrollView::along(const QPointF &point) const
+{
+    return m_axis == Qt::Vertical ? point.y() : point.x();
+}
+
+QPointF ScrollView::withAlong(const QPointF &point, qreal value) const
+{
+    return m_axis == Qt::Vertical ? QPointF(point.x(), value) : QPointF(value, point.y());
+}
+
+bool ScrollView::canScroll(Qt::Orientation axis) const
+{
+    if (!m_scrollEnabled)
+        return false;
+    const QPointF room = maximumContentOffset() - minimumContentOffset();
+    if (axis == Qt::Vertical)
+        return room.y() > kOffsetTolerance || m_alwaysBounceVertical;
+    return room.x() > kOffsetTolerance || m_alwaysBounceHorizontal;
 }
 
 void ScrollView::setHeader(RefreshHeader *header)
@@ -229,11 +289,12 @@ void ScrollView::placeRefreshControls()
         m_footer->scrollViewDidChange();
 }
 
-void ScrollView::animateOffset(const QPointF &target, bool decelerating)
+void ScrollView::animateOffset(const QPointF &target, int durationMs, bool decelerating)
 {
-    if (m_animation)
-        m_animation->stop();
-    if (target == m_offset) {
+    stopScrolling();
+    if ((target - m_offset).manhattanLength() < kOffsetTolerance) {
+        if (target != m_offset)
+            applyOffset(target);
         if (m_delegate) {
             if (decelerating)
                 m_delegate->scrollViewDidEndDecelerating(this);
@@ -243,7 +304,8 @@ void ScrollView::animateOffset(const QPointF &target, bool decelerating)
         return;
     }
     m_animation = new QVariantAnimation(this);
-    m_animation->setDuration(kDecelerationMs);
+    m_animationDecelerates = decelerating;
+    m_animation->setDuration(durationMs);
     m_animation->setStartValue(m_offset);
     m_animation->setEndValue(target);
     m_animation->setEasingCurve(QEasingCurve::OutCubic);
@@ -260,83 +322,214 @@ void ScrollView::animateOffset(const QPointF &target, bool decelerating)
     m_animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
-QPointF ScrollView::pageTarget() const
+bool ScrollView::stopScrolling()
 {
-    const QPointF clamped = clampedOffset(m_offset);
-    if (!m_pagingEnabled)
-        return clamped;
-    const qreal pageWidth = qMax(1, viewport()->width());
-    const qreal pageHeight = qMax(1, viewport()->height());
-    return clampedOffset(QPointF(std::round(m_offset.x() / pageWidth) * pageWidth,
-                                 std::round(m_offset.y() / pageHeight) * pageHeight));
+    if (!m_animation)
+        return false;
+    m_animation->stop();
+    m_animation = nullptr;
+    return true;
 }
 
-void ScrollView::mousePressEvent(QMouseEvent *event)
+bool ScrollView::isDecelerating() const
 {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-        return;
-    }
-    if (m_animation)
-        m_animation->stop();
-    m_tracking = true;
-    m_dragging = false;
-    m_pressPosition = event->position();
+    return m_animation && m_animationDecelerates;
+}
+
+void ScrollView::beginDragging(const QPointF &pressPosition, qint64 pressTime, Qt::Orientation axis)
+{
+    stopScrolling();
+    m_wheelStrokeEnd.stop();
+    m_wheelStroke = false;
+    m_dragging = true;
+    m_axis = axis;
+    m_pressPosition = pressPosition;
     m_pressOffset = m_offset;
+    m_velocity.reset();
+    m_velocity.addSample(along(pressPosition), pressTime);
+    if (m_delegate)
+        m_delegate->scrollViewWillBeginDragging(this);
 }
 
-void ScrollView::mouseMoveEvent(QMouseEvent *event)
+void ScrollView::dragTo(const QPointF &position, qint64 time)
 {
-    if (!m_tracking || !m_scrollEnabled)
+    if (!m_dragging || m_wheelStroke)
         return;
-    QPointF delta = event->position() - m_pressPosition;
-    if (!m_dragging) {
-        if (delta.manhattanLength() < kDragSlop)
-            return;
-        m_dragging = true;
-        if (m_delegate)
-            m_delegate->scrollViewWillBeginDragging(this);
-    }
-    // Sideways only when there is something to the side, as on the phone.
-    if (m_contentSize.width() <= viewport()->width())
-        delta.setX(0);
-    applyOffset(rubberBanded(m_pressOffset - delta));
+    m_velocity.addSample(along(position), time);
+    const qreal moved = along(position - m_pressPosition);
+    applyOffset(rubberBanded(withAlong(m_pressOffset, along(m_pressOffset) - moved)));
 }
 
-void ScrollView::mouseReleaseEvent(QMouseEvent *event)
+void ScrollView::endDragging(const QPointF &position, qint64 time)
 {
-    if (!m_tracking || event->button() != Qt::LeftButton)
+    if (!m_dragging || m_wheelStroke)
         return;
-    m_tracking = false;
-    if (!m_dragging) {
-        handleTap(event->position());
-        return;
-    }
+    dragTo(position, time);
+    // The content moves against the pointer.
+    finishDragging(-m_velocity.velocity());
+}
+
+void ScrollView::finishDragging(qreal velocity)
+{
     m_dragging = false;
+    // A header or footer pulled far enough begins refreshing and takes its room first, so the
+    // content settles with it in view.
     if (m_header)
         m_header->scrollViewDidEndDragging();
     if (m_footer)
         m_footer->scrollViewDidEndDragging();
-    const QPointF target = pageTarget();
-    const bool willDecelerate = target != m_offset;
+    const bool willDecelerate = (releaseTarget(velocity) - m_offset).manhattanLength() >= kOffsetTolerance;
     if (m_delegate)
         m_delegate->scrollViewDidEndDragging(this, willDecelerate);
-    if (willDecelerate)
-        animateOffset(target, true);
+    if (!willDecelerate)
+        return;
+    // Asked again: the delegate may have resized the view.
+    const QPointF target = releaseTarget(velocity);
+    const qreal distance = std::abs(along(target - m_offset));
+    const qreal speed = std::abs(velocity);
+    const int duration = speed > kMinGlideVelocity
+        ? qBound(kDecelerationMs, int(kEaseOutStartSpeedRatio * distance / speed), kMaxGlideMs)
+        : kDecelerationMs;
+    animateOffset(target, duration, true);
+}
+
+QPointF ScrollView::releaseTarget(qreal velocity) const
+{
+    const QPointF resting = clampedOffset(m_offset);
+    const qreal current = along(m_offset);
+    qreal target = current;
+    if (m_pagingEnabled) {
+        const qreal page = qMax(1, m_axis == Qt::Vertical ? viewport()->height() : viewport()->width());
+        if (velocity > kPageFlickVelocity)
+            target = (std::floor(current / page) + 1) * page;
+        else if (velocity < -kPageFlickVelocity)
+            target = (std::ceil(current / page) - 1) * page;
+        else
+            target = std::round(current / page) * page;
+    } else if (along(resting) == current && std::abs(velocity) > kMinGlideVelocity) {
+        target = current + velocity * kGlideMsPerVelocity;
+    }
+    return clampedOffset(withAlong(resting, target));
+}
+
+void ScrollView::setNeedsLayout()
+{
+    if (m_layoutPending)
+        return;
+    m_layoutPending = true;
+    // Ahead of the paint that the same change asked for.
+    QCoreApplication::postEvent(this, new QEvent(kLayoutEvent), Qt::HighEventPriority);
+}
+
+void ScrollView::layoutIfNeeded()
+{
+    if (!m_layoutPending)
+        return;
+    m_layoutPending = false;
+    layoutSubviews();
+}
+
+bool ScrollView::event(QEvent *event)
+{
+    if (event->type() == kLayoutEvent) {
+        layoutIfNeeded();
+        return true;
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+void ScrollView::mousePressEvent(QMouseEvent *event)
+{
+    // Drags never get here (ScrollGestureArbiter takes them): what arrives is a tap.
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    m_tapTracking = true;
+}
+
+void ScrollView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!m_tapTracking || event->button() != Qt::LeftButton)
+        return;
+    m_tapTracking = false;
+    if (viewport()->rect().contains(event->position().toPoint()))
+        handleTap(event->position());
+}
+
+void ScrollView::beginWheelStroke(Qt::Orientation axis)
+{
+    stopScrolling();
+    m_wheelStroke = true;
+    m_dragging = true;
+    m_axis = axis;
+    m_wheelPosition = m_offset;
+    // Pulling past an edge is for content that rested there: a fast stroke that runs into
+    // the top stops at it instead of refreshing by accident.
+    m_wheelMayPassStart = along(m_offset) <= along(minimumContentOffset()) + kOffsetTolerance;
+    m_wheelMayPassEnd = along(m_offset) >= along(maximumContentOffset()) - kOffsetTolerance;
+    if (m_delegate)
+        m_delegate->scrollViewWillBeginDragging(this);
 }
 
 void ScrollView::wheelEvent(QWheelEvent *event)
 {
-    if (!m_scrollEnabled) {
+    const QPointF delta = event->pixelDelta().isNull()
+        ? QPointF(event->angleDelta()) / kDegreesPerNotch * kWheelPointsPerNotch
+        : QPointF(event->pixelDelta());
+    const Qt::Orientation axis = std::abs(delta.y()) >= std::abs(delta.x()) ? Qt::Vertical : Qt::Horizontal;
+    // Left to an enclosing scroll view: a vertical wheel over a horizontal strip scrolls the list.
+    if (!canScroll(axis) || delta.isNull()) {
         event->ignore();
         return;
     }
-    QPointF delta = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) / 120 * kWheelPointsPerNotch
-                                                 : QPointF(event->pixelDelta());
-    if (m_animation)
-        m_animation->stop();
-    applyOffset(clampedOffset(m_offset - delta));
     event->accept();
+    if (m_dragging && !m_wheelStroke)
+        return;
+    if (!m_wheelStroke || m_axis != axis)
+        beginWheelStroke(axis);
+    const bool momentum = event->phase() == Qt::ScrollMomentum;
+    qreal position = along(m_wheelPosition) - (axis == Qt::Vertical ? delta.y() : delta.x());
+    const qreal start = along(minimumContentOffset());
+    const qreal end = along(maximumContentOffset());
+    if (position < start && (!m_wheelMayPassStart || momentum))
+        position = start;
+    if (position > end && (!m_wheelMayPassEnd || momentum))
+        position = end;
+    m_wheelPosition = withAlong(m_wheelPosition, position);
+    applyOffset(rubberBanded(m_wheelPosition));
+    if (event->phase() == Qt::ScrollEnd) {
+        m_wheelStrokeEnd.stop();
+        m_wheelStroke = false;
+        finishDragging(0);
+    } else {
+        m_wheelStrokeEnd.start();
+    }
+}
+
+void ScrollView::keyPressEvent(QKeyEvent *event)
+{
+    const QPointF start = minimumContentOffset();
+    const QPointF end = maximumContentOffset();
+    const qreal page = qMax(kKeyLineStep, viewport()->height() - adjustedContentInset().top
+                                              - adjustedContentInset().bottom - kKeyPageOverlap);
+    QPointF target = m_animation ? m_animation->endValue().toPointF() : m_offset;
+    switch (event->key()) {
+    case Qt::Key_Up: target.ry() -= kKeyLineStep; break;
+    case Qt::Key_Down: target.ry() += kKeyLineStep; break;
+    case Qt::Key_PageUp: target.ry() -= page; break;
+    case Qt::Key_PageDown: target.ry() += page; break;
+    case Qt::Key_Home: target.setY(start.y()); break;
+    case Qt::Key_End: target.setY(end.y()); break;
+    default:
+        QAbstractScrollArea::keyPressEvent(event);
+        return;
+    }
+    if (!canScroll(Qt::Vertical)) {
+        event->ignore();
+        return;
+    }
+    setContentOffset(clampedOffset(target), true);
 }
 
 void ScrollView::resizeEvent(QResizeEvent *event)
@@ -344,4 +537,5 @@ void ScrollView::resizeEvent(QResizeEvent *event)
     QAbstractScrollArea::resizeEvent(event);
     contentOffsetDidChange();
     placeRefreshControls();
+    setNeedsLayout();
 }

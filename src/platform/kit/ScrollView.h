@@ -1,14 +1,25 @@
 #pragma once
 // A UIKit-style scroll view on QAbstractScrollArea: a content offset (the visible top-left in
-// content coordinates, -inset at rest), content size and insets, dragging with the mouse
-// (overscroll with resistance, bouncing back), the wheel, optional paging, and slots for a
-// pull-down refresh header and a pull-up refresh footer. Subviews added to it scroll with the
-// content. Main thread.
+// content coordinates, -inset at rest), content size and insets, and slots for a pull-down
+// refresh header and a pull-up refresh footer. Subviews added to it scroll with the content.
+//
+// Touch: ScrollGestureArbiter decides which scroll view a pointer drag belongs to (presses on
+// children are held until the pointer moves) and drives it through beginDragging(), dragTo()
+// and endDragging(): the content follows along one axis, with resistance past its edges; on
+// release it glides on with the pointer's speed, settles on a page when paging, or bounces
+// back. The wheel and touchpad drag it too (pulling past an edge where the content rested),
+// and Page Up / Page Down / Home / End / arrows scroll it when focused.
+//
+// Layout: moving or resizing marks the view; subclasses place what is shown in
+// layoutSubviews(), once, when control returns to the event loop or at layoutIfNeeded().
+// Main thread.
 
 #include "EdgeInsets.h"
+#include "VelocityTracker.h"
 
 #include <QAbstractScrollArea>
 #include <QPointer>
+#include <QTimer>
 
 #include "RefreshFooter.h"
 #include "RefreshHeader.h"
@@ -19,6 +30,7 @@ class ScrollView : public QAbstractScrollArea
 {
     Q_OBJECT
 public:
+    // Bouncing back into range and settling on a page.
     static constexpr int kDecelerationMs = 250;
 
     explicit ScrollView(QWidget *parent = nullptr);
@@ -52,9 +64,30 @@ public:
     bool isPagingEnabled() const { return m_pagingEnabled; }
     void setScrollEnabled(bool enabled) { m_scrollEnabled = enabled; }
     bool isScrollEnabled() const { return m_scrollEnabled; }
+    // Drags along an axis whose content fits still move (and bounce) when set.
+    void setAlwaysBounceVertical(bool bounces) { m_alwaysBounceVertical = bounces; }
+    bool alwaysBounceVertical() const { return m_alwaysBounceVertical; }
+    void setAlwaysBounceHorizontal(bool bounces) { m_alwaysBounceHorizontal = bounces; }
+    bool alwaysBounceHorizontal() const { return m_alwaysBounceHorizontal; }
+    // Whether a drag along `axis` moves this view's content.
+    bool canScroll(Qt::Orientation axis) const;
+
+    // A pointer drag (or a wheel or touchpad stroke) is moving the content.
     bool isDragging() const { return m_dragging; }
+    // The content glides on or settles after a drag.
+    bool isDecelerating() const;
     QPointF minimumContentOffset() const;
     QPointF maximumContentOffset() const;
+
+    // Driven by ScrollGestureArbiter; positions are global, times in milliseconds.
+    void beginDragging(const QPointF &pressPosition, qint64 pressTime, Qt::Orientation axis);
+    void dragTo(const QPointF &position, qint64 time);
+    void endDragging(const QPointF &position, qint64 time);
+    // Stops a running animation where the content is; true when one was running.
+    bool stopScrolling();
+
+    void setNeedsLayout();
+    void layoutIfNeeded();
 
     // The scroll view owns its refresh controls; setting one replaces the old one, which is
     // deleted once control returns to the event loop.
@@ -67,23 +100,30 @@ public:
     EdgeInsets insetWithoutRefresh() const;
 
 protected:
-    // The offset (or the viewport) changed: place what is shown.
+    // The offset (or the viewport) changed: place what moves at once.
     virtual void contentOffsetDidChange();
+    // Places what is shown; called once per marked layout pass.
+    virtual void layoutSubviews() {}
     // A press released without dragging, at a viewport position.
     virtual void handleTap(const QPointF &) {}
 
+    bool event(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     void applyOffset(const QPointF &offset);
-    void animateOffset(const QPointF &target, bool decelerating);
+    void animateOffset(const QPointF &target, int durationMs, bool decelerating);
+    void finishDragging(qreal velocity);
     QPointF clampedOffset(const QPointF &offset) const;
     QPointF rubberBanded(const QPointF &offset) const;
-    QPointF pageTarget() const;
+    QPointF releaseTarget(qreal velocity) const;
+    qreal along(const QPointF &point) const;
+    QPointF withAlong(const QPointF &point, qreal value) const;
+    void beginWheelStroke(Qt::Orientation axis);
     void placeRefreshControls();
     void releaseRefreshControl(RefreshControl *control);
 
@@ -97,11 +137,26 @@ private:
     qreal m_refreshBottom = 0;
     bool m_pagingEnabled = false;
     bool m_scrollEnabled = true;
-    bool m_tracking = false;
+    bool m_alwaysBounceVertical = false;
+    bool m_alwaysBounceHorizontal = false;
+
+    // The drag in progress: its axis, where the pointer and the content were when it began.
     bool m_dragging = false;
+    Qt::Orientation m_axis = Qt::Vertical;
     QPointF m_pressPosition;
     QPointF m_pressOffset;
+    VelocityTracker m_velocity;
+    // A wheel stroke drags an unbounded position; past an edge only where it began resting.
+    bool m_wheelStroke = false;
+    QPointF m_wheelPosition;
+    bool m_wheelMayPassStart = false;
+    bool m_wheelMayPassEnd = false;
+    QTimer m_wheelStrokeEnd;
+
+    bool m_tapTracking = false;
+    bool m_layoutPending = false;
     QPointer<QVariantAnimation> m_animation;
+    bool m_animationDecelerates = false;
     QPointer<RefreshHeader> m_header;
     QPointer<RefreshFooter> m_footer;
 };

@@ -7,7 +7,11 @@
 
 #include <QDebug>
 
-TableView::TableView(QWidget *parent) : ScrollView(parent) {}
+TableView::TableView(QWidget *parent) : ScrollView(parent)
+{
+    // A table moves under a vertical drag however few its rows, as on the phone.
+    setAlwaysBounceVertical(true);
+}
 
 TableView::TableView(const QRectF &frame, QWidget *parent) : TableView(parent)
 {
@@ -99,10 +103,9 @@ void TableView::reloadData()
         m_selected.reset();
     setContentSize(QSizeF(viewport()->width(), m_layout.contentHeight()));
     const QPointF maximum = maximumContentOffset();
-    if (contentOffset().y() > maximum.y() && !isDragging())
+    if (contentOffset().y() > maximum.y() && !isDragging() && !isDecelerating())
         setContentOffset(QPointF(contentOffset().x(), maximum.y()));
-    else
-        layoutVisibleContent();
+    setNeedsLayout();
 }
 
 void TableView::setSeparatorStyle(SeparatorStyle style)
@@ -160,30 +163,39 @@ std::optional<IndexPath> TableView::indexPathForRowAtPoint(const QPointF &point)
     return path;
 }
 
-TableViewCell *TableView::cellForRowAtIndexPath(const IndexPath &indexPath) const
+TableViewCell *TableView::visibleCell(const IndexPath &indexPath) const
 {
     const auto found = m_visibleCells.find(indexPath);
     return found == m_visibleCells.end() ? nullptr : found->second;
 }
 
-QList<TableViewCell *> TableView::visibleCells() const
+TableViewCell *TableView::cellForRowAtIndexPath(const IndexPath &indexPath)
 {
+    layoutIfNeeded();
+    return visibleCell(indexPath);
+}
+
+QList<TableViewCell *> TableView::visibleCells()
+{
+    layoutIfNeeded();
     QList<TableViewCell *> cells;
     for (const auto &[path, cell] : m_visibleCells)
         cells.append(cell);
     return cells;
 }
 
-QList<IndexPath> TableView::indexPathsForVisibleRows() const
+QList<IndexPath> TableView::indexPathsForVisibleRows()
 {
+    layoutIfNeeded();
     QList<IndexPath> paths;
     for (const auto &[path, cell] : m_visibleCells)
         paths.append(path);
     return paths;
 }
 
-QWidget *TableView::headerViewForSection(int section) const
+QWidget *TableView::headerViewForSection(int section)
 {
+    layoutIfNeeded();
     const auto found = m_headerViews.find(section);
     return found == m_headerViews.end() ? nullptr : found->second.data();
 }
@@ -201,7 +213,7 @@ void TableView::selectRowAtIndexPath(const IndexPath &indexPath, bool animated)
     if (m_selected && *m_selected != indexPath)
         deselectRowAtIndexPath(*m_selected, animated);
     m_selected = indexPath;
-    if (TableViewCell *cell = cellForRowAtIndexPath(indexPath))
+    if (TableViewCell *cell = visibleCell(indexPath))
         cell->setSelected(true, animated);
 }
 
@@ -209,7 +221,7 @@ void TableView::deselectRowAtIndexPath(const IndexPath &indexPath, bool animated
 {
     if (m_selected == indexPath)
         m_selected.reset();
-    if (TableViewCell *cell = cellForRowAtIndexPath(indexPath))
+    if (TableViewCell *cell = visibleCell(indexPath))
         cell->setSelected(false, animated);
 }
 
@@ -225,8 +237,7 @@ void TableView::scrollToRowAtIndexPath(const IndexPath &indexPath, bool animated
 
 void TableView::contentOffsetDidChange()
 {
-    if (m_loaded)
-        layoutVisibleContent();
+    setNeedsLayout();
 }
 
 void TableView::showEvent(QShowEvent *event)
@@ -236,8 +247,10 @@ void TableView::showEvent(QShowEvent *event)
         reloadData();
 }
 
-void TableView::layoutVisibleContent()
+void TableView::layoutSubviews()
 {
+    if (!m_loaded)
+        return;
     m_layingOut = true;
     const qreal top = contentOffset().y();
     const qreal bottom = top + viewport()->height();
@@ -276,7 +289,7 @@ void TableView::layoutCells(qreal top, qreal bottom)
     }
     const qreal width = viewport()->width();
     for (const IndexPath &path : rows) {
-        TableViewCell *cell = cellForRowAtIndexPath(path);
+        TableViewCell *cell = visibleCell(path);
         if (!cell) {
             cell = m_dataSource ? m_dataSource->cellForRowAtIndexPath(this, path) : nullptr;
             if (!cell) {

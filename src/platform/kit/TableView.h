@@ -3,8 +3,11 @@
 // delegate for heights and section header views, lays them out with TableLayout (table header
 // view, then per section header, rows, footer, then table footer view), and keeps only the
 // visible cells alive, reusing them by identifier. Section headers stay pinned under the top
-// inset while their section scrolls, as in a plain UIKit table. Data is loaded on the first
-// layout and again on every reloadData(). Main thread.
+// inset while their section scrolls, as in a plain UIKit table. Counts and heights are asked
+// on the first showing and at every reloadData(); cells only in the layout pass that a scroll,
+// resize, inset change or reload marks, once control returns to the event loop (or at
+// layoutIfNeeded()), so a handler may empty its data, move things and reload in any order.
+// Main thread.
 
 #include "IndexPath.h"
 #include "ScrollView.h"
@@ -78,11 +81,11 @@ public:
     QRectF rectForFooterInSection(int section) const;
     std::optional<IndexPath> indexPathForRowAtPoint(const QPointF &point) const;
 
-    // Only visible rows have cells.
-    TableViewCell *cellForRowAtIndexPath(const IndexPath &indexPath) const;
-    QList<TableViewCell *> visibleCells() const;
-    QList<IndexPath> indexPathsForVisibleRows() const;
-    QWidget *headerViewForSection(int section) const;
+    // Only visible rows have cells; these lay out first when a layout is pending.
+    TableViewCell *cellForRowAtIndexPath(const IndexPath &indexPath);
+    QList<TableViewCell *> visibleCells();
+    QList<IndexPath> indexPathsForVisibleRows();
+    QWidget *headerViewForSection(int section);
     // Cells alive now: the visible ones and those waiting for reuse.
     int liveCellCount() const;
 
@@ -94,12 +97,13 @@ public:
 
 protected:
     void contentOffsetDidChange() override;
+    void layoutSubviews() override;
     void handleTap(const QPointF &position) override;
     void showEvent(QShowEvent *event) override;
 
 private:
     qreal askedHeight(qreal asked, qreal fallback) const;
-    void layoutVisibleContent();
+    TableViewCell *visibleCell(const IndexPath &indexPath) const;
     void layoutCells(qreal top, qreal bottom);
     void layoutSectionViews(qreal top, qreal bottom, bool headers);
     void recycle(TableViewCell *cell);
