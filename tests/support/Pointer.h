@@ -4,11 +4,10 @@
 // real ones do; their timestamps run on QTest's simulated clock, so speeds are exact and no
 // test waits for real time to pass.
 
-#include <QApplication>
 #include <QTest>
-#include <QWheelEvent>
 #include <QWidget>
 #include <QWindow>
+#include <qpa/qwindowsysteminterface.h>
 
 namespace testsupport {
 
@@ -72,11 +71,12 @@ public:
     // touchpad's pixels when `pixels` is set, to the widget under the pointer.
     void wheel(QPoint at, QPoint angleDelta, QPoint pixels = {}, Qt::ScrollPhase phase = Qt::NoScrollPhase)
     {
-        QWidget *target = widgetAt(at);
-        const QPointF local = target->mapFrom(m_window, QPointF(at));
-        QWheelEvent event(local, m_window->mapToGlobal(QPointF(at)), pixels, angleDelta, Qt::NoButton, {},
-                          phase, false);
-        QApplication::sendEvent(target, &event);
+        // Touchpads report an angle with their pixels; the window system drops updates without.
+        if (angleDelta.isNull())
+            angleDelta = pixels;
+        QWindowSystemInterface::handleWheelEvent(m_window->windowHandle(), QPointF(at),
+                                                 m_window->mapToGlobal(QPointF(at)), pixels, angleDelta, {}, phase);
+        QWindowSystemInterface::flushWindowSystemEvents();
     }
 
 private:

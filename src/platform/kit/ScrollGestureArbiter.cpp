@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QWidget>
+#include <QWindow>
 
 #include <cmath>
 
@@ -21,11 +22,12 @@ void ScrollGestureArbiter::install()
 
 bool ScrollGestureArbiter::eventFilter(QObject *watched, QEvent *event)
 {
-    if (m_replaying || !watched->isWidgetType())
+    auto *window = qobject_cast<QWindow *>(watched);
+    if (m_replaying || !window)
         return false;
     switch (event->type()) {
     case QEvent::MouseButtonPress:
-        return press(static_cast<QWidget *>(watched), static_cast<QMouseEvent *>(event));
+        return press(window, static_cast<QMouseEvent *>(event));
     case QEvent::MouseMove:
         return m_tracking && move(static_cast<QMouseEvent *>(event));
     case QEvent::MouseButtonRelease:
@@ -38,34 +40,50 @@ bool ScrollGestureArbiter::eventFilter(QObject *watched, QEvent *event)
     }
 }
 
-bool ScrollGestureArbiter::press(QWidget *target, QMouseEvent *event)
+namespace {
+QWidget *widgetOfWindow(const QWindow *window)
+{
+    for (QWidget *topLevel : QApplication::topLevelWidgets()) {
+        if (topLevel->windowHandle() == window)
+            return topLevel;
+    }
+    return nullptr;
+}
+} // namespace
+
+bool ScrollGestureArbiter::press(QWindow *window, QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return m_tracking;
     // A press while tracking means the last release never came (it went to another window).
     reset();
-    for (QWidget *widget = target; widget; widget = widget->parentWidget()) {
+    QWidget *root = widgetOfWindow(window);
+    if (!root)
+        return false;
+    QWidget *target = root->childAt(event->position().toPoint());
+    for (QWidget *widget = target; widget && widget != root; widget = widget->parentWidget()) {
         if (auto *scrollView = qobject_cast<ScrollView *>(widget))
             m_chain.append(scrollView);
-        if (widget->isWindow())
-            break;
     }
     if (m_chain.isEmpty())
         return false;
     for (const QPointer<ScrollView> &scrollView : std::as_const(m_chain))
         m_stoppedMotion = scrollView->stopScrolling() || m_stoppedMotion;
     ScrollView *innermost = m_chain.first();
-    if (!QApplication::focusWidget() && innermost->isVisible())
+    if (!QApplication::focusWidget())
         innermost->setFocus(Qt::MouseFocusReason);
     m_tracking = true;
-    m_target = target;
-    m_heldPress.reset(static_cast<QMouseEvent *>(event->clone()));
+    m_window = window;
+    m_pressLocal = event->position();
+    m_pressGlobal = event->globalPosition();
+    m_pressTime = qint64(event->timestamp());
+    m_pressModifiers = event->modifiers();
     return true;
 }
 
 bool ScrollGestureArbiter::move(QMouseEvent *event)
 {
-    const QPointF moved = event->globalPosition() - m_heldPress->globalPosition();
+    const QPointF moved = event->globalPosition() - m_pressGlobal;
     if (!m_dragged) {
         if (std::hypot(moved.x(), moved.y()) < kTouchSlop)
             return true;
@@ -73,7 +91,7 @@ bool ScrollGestureArbiter::move(QMouseEvent *event)
         m_dragged = scrollViewFor(moved, axis);
         if (!m_dragged)
             return true;
-        m_dragged->beginDragging(m_heldPress->globalPosition(), m_heldPress->timestamp(), axis);
+        m_dragged->beginDragging(m_pressGlobal, m_pressTime, axis);
     }
     m_dragged->dragTo(event->globalPosition(), event->timestamp());
     return true;
@@ -99,37 +117,28 @@ bool ScrollGestureArbiter::release(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return true;
+    const bool tap = !m_dragged && !m_stoppedMotion;
     if (m_dragged)
         m_dragged->endDragging(event->globalPosition(), event->timestamp());
-    else if (!m_stoppedMotion)
-        replayTap(event);
+    if (tap && m_window) {
+        // The held press goes to the window as it came: Qt finds the widget under it, gives it
+        // focus and the press; this release then follows it there.
+        QMouseEvent press(QEvent::MouseButtonPress, m_pressLocal, m_pressLocal, m_pressGlobal, Qt::LeftButton,
+                          Qt::LeftButton, m_pressModifiers, event->pointingDevice());
+        press.setTimestamp(quint64(m_pressTime));
+        m_replaying = true;
+        QCoreApplication::sendEvent(m_window, &press);
+        m_replaying = false;
+    }
     reset();
-    return true;
-}
-
-void ScrollGestureArbiter::replayTap(QMouseEvent *release)
-{
-    if (!m_target)
-        return;
-    QPointer<QWidget> target = m_target;
-    const QPointF local = target->mapFromGlobal(release->globalPosition());
-    QMouseEvent releaseHere(QEvent::MouseButtonRelease, local, release->scenePosition(),
-                            release->globalPosition(), release->button(), release->buttons(),
-                            release->modifiers(), release->pointingDevice());
-    releaseHere.setTimestamp(release->timestamp());
-    m_replaying = true;
-    QApplication::sendEvent(target, m_heldPress.get());
-    if (target)
-        QApplication::sendEvent(target, &releaseHere);
-    m_replaying = false;
+    return !tap;
 }
 
 void ScrollGestureArbiter::reset()
 {
     m_tracking = false;
     m_stoppedMotion = false;
-    m_target = nullptr;
-    m_heldPress.reset();
+    m_window = nullptr;
     m_chain.clear();
     m_dragged = nullptr;
 }

@@ -6,17 +6,17 @@
 // drag's main direction (so a horizontal strip in a vertical list pages sideways and lets
 // vertical drags scroll the list), locked to that direction, and the held press is dropped:
 // the widget sees no click, no tap and takes no focus. A press on moving content only stops
-// it. One application-wide event filter, installed by the first scroll view. Main thread.
+// it. It filters the events the window system hands to windows, before Qt finds their widget
+// and gives it focus; a tap is handed back to the window as it came. One application-wide
+// event filter, installed by the first scroll view. Main thread.
 
 #include <QList>
 #include <QObject>
 #include <QPointF>
 #include <QPointer>
 
-#include <memory>
-
 class QMouseEvent;
-class QWidget;
+class QWindow;
 class ScrollView;
 
 class ScrollGestureArbiter : public QObject
@@ -34,19 +34,22 @@ protected:
 private:
     ScrollGestureArbiter() = default;
 
-    bool press(QWidget *target, QMouseEvent *event);
+    bool press(QWindow *window, QMouseEvent *event);
     bool move(QMouseEvent *event);
     bool release(QMouseEvent *event);
     ScrollView *scrollViewFor(const QPointF &moved, Qt::Orientation &axis) const;
-    void replayTap(QMouseEvent *release);
     void reset();
 
     bool m_tracking = false;
     bool m_replaying = false;
     // The press landed on moving content: it stops it and does nothing else.
     bool m_stoppedMotion = false;
-    QPointer<QWidget> m_target;
-    std::unique_ptr<QMouseEvent> m_heldPress;
+    // The held press, by value: an event's point is shared with later events of the device.
+    QPointer<QWindow> m_window;
+    QPointF m_pressLocal;
+    QPointF m_pressGlobal;
+    qint64 m_pressTime = 0;
+    Qt::KeyboardModifiers m_pressModifiers;
     // Enclosing scroll views, innermost first.
     QList<QPointer<ScrollView>> m_chain;
     QPointer<ScrollView> m_dragged;

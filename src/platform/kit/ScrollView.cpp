@@ -19,8 +19,6 @@ namespace {
 constexpr qreal kOverscrollResistance = 0.5;
 constexpr qreal kWheelPointsPerNotch = 40;
 constexpr qreal kDegreesPerNotch = 120;
-// A wheel stroke ends when no wheel event came for this long (wheels report no phases).
-constexpr int kWheelStrokeEndMs = 150;
 constexpr qreal kKeyLineStep = 40;
 // Page Up / Page Down keep this much of the old page in view.
 constexpr qreal kKeyPageOverlap = 40;
@@ -343,6 +341,8 @@ void ScrollView::beginDragging(const QPointF &pressPosition, qint64 pressTime, Q
     m_wheelStroke = false;
     m_dragging = true;
     m_axis = axis;
+    // A view that cannot move this way still takes the drag (its children lose the press).
+    m_dragMoves = canScroll(axis);
     m_pressPosition = pressPosition;
     m_pressOffset = m_offset;
     m_velocity.reset();
@@ -356,6 +356,8 @@ void ScrollView::dragTo(const QPointF &position, qint64 time)
     if (!m_dragging || m_wheelStroke)
         return;
     m_velocity.addSample(along(position), time);
+    if (!m_dragMoves)
+        return;
     const qreal moved = along(position - m_pressPosition);
     applyOffset(rubberBanded(withAlong(m_pressOffset, along(m_pressOffset) - moved)));
 }

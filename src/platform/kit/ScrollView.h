@@ -32,6 +32,8 @@ class ScrollView : public QAbstractScrollArea
 public:
     // Bouncing back into range and settling on a page.
     static constexpr int kDecelerationMs = 250;
+    // A wheel stroke ends when no wheel event came for this long (wheels report no phases).
+    static constexpr int kWheelStrokeEndMs = 150;
 
     explicit ScrollView(QWidget *parent = nullptr);
     explicit ScrollView(const QRectF &frame, QWidget *parent = nullptr);
@@ -143,6 +145,7 @@ private:
     // The drag in progress: its axis, where the pointer and the content were when it began.
     bool m_dragging = false;
     Qt::Orientation m_axis = Qt::Vertical;
+    bool m_dragMoves = true;
     QPointF m_pressPosition;
     QPointF m_pressOffset;
     VelocityTracker m_velocity;
