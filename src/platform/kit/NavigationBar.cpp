@@ -5,6 +5,7 @@
 #include "Fonts.h"
 #include "Label.h"
 #include "NavigationItem.h"
+#include "ViewSupport.h"
 
 #include <QPainter>
 
@@ -87,6 +88,8 @@ void NavigationBar::refresh()
     m_backButton->setVisible(showsBack);
     const QString backTitle = m_back && !m_back->title().isEmpty() ? m_back->title() : kDefaultBackTitle;
     m_backButton->setTitle(kBackArrow + backTitle);
+    // The arrow is drawn for the eye; a reader says the title alone.
+    ViewSupport::setAccessibilityLabel(m_backButton, backTitle);
 }
 
 void NavigationBar::layoutSubviews()

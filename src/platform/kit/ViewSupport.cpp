@@ -65,4 +65,9 @@ bool isUserInteractionEnabled(const QWidget *view)
     return !view->testAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
+void setAccessibilityLabel(QWidget *view, const QString &label)
+{
+    view->setAccessibleName(label);
+}
+
 } // namespace ViewSupport

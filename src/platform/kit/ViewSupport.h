@@ -1,10 +1,11 @@
 #pragma once
 // UIKit-style placing of any widget: frames in points (fractions kept, the widget covers the
-// pixels the frame touches), subviews, and touch handling on or off. Shared by View and the
-// scroll views, which cannot derive from View. Main thread.
+// pixels the frame touches), subviews, touch handling on or off, and accessibility labels.
+// Shared by View and the scroll views, which cannot derive from View. Main thread.
 
 #include <QRectF>
 
+class QString;
 class QWidget;
 
 namespace ViewSupport {
@@ -22,5 +23,9 @@ void removeFromSuperview(QWidget *view);
 // beneath, as UIKit does for views with user interaction disabled.
 void setUserInteractionEnabled(QWidget *view, bool enabled);
 bool isUserInteractionEnabled(const QWidget *view);
+
+// What assistive tools call the view, as the phone's accessibility label: it replaces the name
+// the kit takes from what the view shows. An empty label gives that name back.
+void setAccessibilityLabel(QWidget *view, const QString &label);
 
 } // namespace ViewSupport

@@ -1,6 +1,7 @@
 #include "Window.h"
 
 #include "KeyboardObserver.h"
+#include "KitAccessibility.h"
 #include "MainScreen.h"
 #include "ViewController.h"
 
@@ -15,6 +16,7 @@ constexpr const char *kOverlayProperty = "quorvelOverlay";
 
 Window::Window(const QSize &screenSize) : m_keyboard(new View(this))
 {
+    KitAccessibility::install();
     MainScreen::setSize(QSizeF(screenSize));
     setFixedSize(screenSize);
     setFrame(QRectF(QPointF(0, 0), QSizeF(screenSize)));
