@@ -5,8 +5,12 @@
 #include "EventLoop.h"
 #include "LocalForumServer.h"
 #include "ServiceConfig.h"
+#include "FieldValue.h"
+#include "ForumPayloads.h"
 #include "HostDetailViewController.h"
+#include "HttpRequest.h"
 #include "HttpSessionManager.h"
+#include "JsonChangDic.h"
 #include "Label.h"
 #include "NavigationController.h"
 #include "RefreshHeader.h"
@@ -15,7 +19,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
+#include <QJsonObject>
+
 namespace topictest {
+
+// The user the helpers below write as.
+constexpr qint64 kWriterId = 7;
 
 // A test suite sharing one forum server (no waiting time between posts), with the client
 // pointed at it for each test and a fresh window.
@@ -76,6 +86,59 @@ inline QString sectionHeaderText(const std::shared_ptr<HostDetailViewController>
     const std::unique_ptr<QWidget> header(screen->viewForHeaderInSection(screen->tableView(), section));
     const Label *label = header ? header->findChild<Label *>() : nullptr;
     return label ? label->text() : QString();
+}
+
+// The demo board that new topics go to, as the payloads take it.
+inline ListModel demoBoard()
+{
+    return ListModel::fromJson(QJsonObject{{QStringLiteral("sectionid"), LocalForumServer::Demo::kBoardId},
+                                           {QStringLiteral("tagid"), LocalForumServer::Demo::kBoardTagId}});
+}
+
+// Writes a topic on the demo board and returns its id (the newest topic of page 1).
+inline qint64 postTopic(const QString &title)
+{
+    bool posted = false;
+    HttpRequest::GetWriteTopicSuccessBlock(
+        [&posted](const HttpTask &, const QJsonValue &) { posted = true; }, {},
+        JsonChangDic::jsonWithDictionary(
+            ForumPayloads::writeTopic(demoBoard(), kWriterId, title, QStringLiteral("正文"))));
+    EXPECT_TRUE(testsupport::waitUntil([&posted] { return posted; }));
+    qint64 tid = 0;
+    HttpRequest::GetTopicsSuccessBlock(
+        [&tid](const HttpTask &, const QJsonValue &topics) {
+            tid = FieldValue::integerValue(topics.toArray().first().toObject().value(QStringLiteral("tid")));
+        },
+        {}, JsonChangDic::jsonWithDictionary(ForumPayloads::topics(demoBoard(), 1)));
+    EXPECT_TRUE(testsupport::waitUntil([&tid] { return tid != 0; }));
+    return tid;
+}
+
+// Replies `text` to the demo board's topic `tid`, titled `title`.
+inline void postReply(qint64 tid, const QString &title, const QString &text)
+{
+    bool posted = false;
+    HttpRequest::GetRepliesleTopicSuccessBlock(
+        [&posted](const HttpTask &, const QJsonValue &) { posted = true; }, {},
+        JsonChangDic::jsonWithDictionary(ForumPayloads::reply(demoBoard(), tid, title, kWriterId, text)));
+    EXPECT_TRUE(testsupport::waitUntil([&posted] { return posted; }));
+}
+
+// The replies the server sends for the demo board's topic `tid`, as it sends them.
+inline QJsonArray repliesOf(qint64 tid)
+{
+    PostModel topic;
+    topic.setValueForKey(tid, u"tid");
+    QJsonArray replies;
+    bool answered = false;
+    HttpRequest::GetRepliesLogSuccessBlock(
+        [&](const HttpTask &, const QJsonValue &answer) {
+            replies = answer.toArray();
+            answered = true;
+        },
+        {}, JsonChangDic::jsonWithDictionary(ForumPayloads::topicDetail(demoBoard(), topic, kWriterId)));
+    EXPECT_TRUE(testsupport::waitUntil([&answered] { return answered; }));
+    return replies;
 }
 
 // How many requests the server logged for an endpoint.
