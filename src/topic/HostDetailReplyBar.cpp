@@ -15,7 +15,6 @@
 #include "PostOutcome.h"
 #include "Reachability.h"
 #include "RefreshHeader.h"
-#include "ReplyIcon.h"
 #include "TableView.h"
 #include "TextInputMode.h"
 #include "TextView.h"
@@ -64,7 +63,7 @@ void HostDetailViewController::buildReplyBar()
     const qreal H = screenH();
 
     m_replyImage = new ImageView(QRectF(kIconLeft, H - kIconFirstAbove, kIconSize, kIconSize));
-    m_replyImage->setImage(ReplyIcon::image());
+    m_replyImage->setImageNamed(QStringLiteral("回帖"));
     view()->addSubview(m_replyImage);
 
     m_replyTextView = new TextView(QRectF(kBoxLeft, H - kBoxFirstAbove, W - kBoxRightRoom, kBoxHeight));
@@ -207,19 +206,16 @@ void HostDetailViewController::handleAction()
         return;
     }
     m_sender->setUserInteractionEnabled(true);
+    // Its reload runs after the header's slide-in, behind the reply sent below.
     m_tableView->header()->beginRefreshing();
     titels.clear();
     dataSource.clear();
-    // The table must not ask for rows the emptied lists no longer hold when the keyboard's
-    // going resizes it.
-    m_tableView->reloadData();
     m_replyTextView->resignFirstResponder();
     if (result == kOpenedFromBanner)
         reply();
     else
         replyJson();
-    // The second reload follows the reply's answer (replyTopic): sent now, it could reach
-    // the server before the reply does and miss it.
+    jsonDiction();
     m_replyTextView->setText(QString());
 }
 
@@ -252,7 +248,6 @@ void HostDetailViewController::replyTopic()
             controller->showNotice(PostOutcome::notice(PostOutcome::Kind::Reply, payload));
             controller->m_tableView->reloadData();
             controller->endRefresh();
-            controller->jsonDiction();
         },
         {}, replyString);
 }

@@ -21,6 +21,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
@@ -220,8 +221,11 @@ TEST_F(ReplyBarTest, ASentReplyIsAnnouncedAndAppearsAfterTheReload)
     EXPECT_EQ(screen->replyTextView()->text(), QString());
     EXPECT_FALSE(screen->replyTextView()->isFirstResponder());
     ASSERT_TRUE(testsupport::waitUntil([&] { return screen->hu() && screen->hu()->labelText() == QStringLiteral("回复成功"); }));
+    // Two reloads follow a send: one sent with the reply, and the refresh header's after its
+    // slide-in.
+    ASSERT_TRUE(testsupport::waitUntil([&] { return requestCount(s_server->log(), "TopicDetail") == detailsBefore + 2; }));
     ASSERT_TRUE(waitUntilLoaded(screen));
-    // Two reloads follow a send: the refresh header's at once, and one after the answer.
+    QTest::qWait(RefreshControl::kSlideInMs);
     EXPECT_EQ(requestCount(s_server->log(), "TopicDetail"), detailsBefore + 2);
     const bool shown = std::any_of(screen->dataSource.begin(), screen->dataSource.end(), [&](const ReplyListModel &r) {
         return FieldValue::displayText(r.content()) == text;
@@ -281,4 +285,56 @@ TEST_F(ReplyBarTest, BannerRepliesSendTheScreensTidAndThePostersName)
         EXPECT_EQ(sent.value(QStringLiteral("pid")), -1);
         EXPECT_EQ(sent.value(QStringLiteral("sectionid")), 1);
     }
+}
+
+namespace {
+
+QList<QByteArray> sortedPaths(const QList<RecordingHttpServer::Request> &requests, qsizetype from, qsizetype count)
+{
+    QList<QByteArray> paths;
+    for (qsizetype i = from; i < from + count && i < requests.size(); ++i)
+        paths.append(requests.at(i).path());
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+} // namespace
+
+TEST_F(ReplyBarTest, ASendPutsTheReplyAndItsReloadOnTheWireBeforeTheRefreshHeadersReload)
+{
+    RecordingHttpServer recorder;
+    ASSERT_TRUE(recorder.listen());
+    recorder.setResponder([](const RecordingHttpServer::Request &request) {
+        QJsonValue payload = QJsonObject{{QStringLiteral("title"), QStringLiteral("标题")},
+                                         {QStringLiteral("topiccontent"), QStringLiteral("正文")}};
+        if (request.path() == "/api/RepliesLog")
+            payload = QJsonArray{};
+        else if (request.path() == "/api/RepliesleTopic")
+            payload = QJsonObject{{QStringLiteral("description"), QStringLiteral("回帖成功")}};
+        return RecordingHttpServer::Response{200, "application/json", forumanswer::withRData(payload)};
+    });
+    ServiceConfig::setApiRoot(recorder.apiRoot());
+    auto screen = makeScreen(1001, 1);
+    show(window, screen);
+    ASSERT_TRUE(waitUntilLoaded(screen));
+    screen->textlabelAction();
+    type(screen->replyTextView(), QStringLiteral("顺序"));
+    recorder.clear();
+    recorder.hold();
+
+    screen->handleAction();
+    // The reply and the second load go out at once; the refresh header's load only after its
+    // slide-in, behind them.
+    ASSERT_TRUE(testsupport::waitUntil([&] { return recorder.requests().size() >= 3; }));
+    EXPECT_EQ(sortedPaths(recorder.requests(), 0, 3),
+              (QList<QByteArray>{"/api/RepliesLog", "/api/RepliesleTopic", "/api/TopicDetail"}));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return recorder.requests().size() >= 5; }));
+    EXPECT_EQ(sortedPaths(recorder.requests(), 3, 2), (QList<QByteArray>{"/api/RepliesLog", "/api/TopicDetail"}));
+
+    // The answer to the reply starts no load of its own.
+    recorder.release();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return screen->hu() && screen->hu()->labelText() == QStringLiteral("回复成功"); }));
+    ASSERT_TRUE(waitUntilLoaded(screen));
+    QTest::qWait(RefreshControl::kSlideInMs + 100);
+    EXPECT_EQ(recorder.requests().size(), 5);
 }
