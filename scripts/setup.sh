@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-httpserver-dev qt6-websockets-dev libqt6sql6-sqlite
   libssl-dev openssl zlib1g-dev libsqlite3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  qt6-webengine-dev qt6-base-private-dev
+  qt6-webengine-dev qt6-base-private-dev qt6-svg-dev
   fonts-noto-cjk xvfb xauth curl xdotool
   thrift-compiler libthrift-dev libboost-dev
   clang-14 libclang-rt-14-dev

@@ -1,6 +1,7 @@
 #include "ImageView.h"
 
 #include "ImageLoader.h"
+#include "ImageNamed.h"
 
 #include <QNetworkReply>
 #include <QPainter>
@@ -18,14 +19,26 @@ ImageView::ImageView(const QRectF &frame, QWidget *parent) : ImageView(parent)
 
 void ImageView::setImage(const QImage &image)
 {
-    cancelLoad();
-    m_url = QUrl();
-    showImage(image);
+    replaceImage(image, QString());
 }
 
-void ImageView::showImage(const QImage &image)
+void ImageView::setImageNamed(const QString &name)
+{
+    const QImage image = ImageNamed::image(name);
+    replaceImage(image, image.isNull() ? QString() : name);
+}
+
+void ImageView::replaceImage(const QImage &image, const QString &name)
+{
+    cancelLoad();
+    m_url = QUrl();
+    showImage(image, name);
+}
+
+void ImageView::showImage(const QImage &image, const QString &name)
 {
     m_image = image;
+    m_imageName = name;
     update();
 }
 
@@ -54,9 +67,20 @@ void ImageView::setCornerRadius(qreal radius)
 
 void ImageView::setImageWithURL(const QUrl &url, const QImage &placeholder)
 {
+    load(url, placeholder, QString());
+}
+
+void ImageView::setImageWithURL(const QUrl &url, const QString &placeholderName)
+{
+    const QImage placeholder = ImageNamed::image(placeholderName);
+    load(url, placeholder, placeholder.isNull() ? QString() : placeholderName);
+}
+
+void ImageView::load(const QUrl &url, const QImage &placeholder, const QString &placeholderName)
+{
     cancelLoad();
     m_url = url;
-    showImage(placeholder);
+    showImage(placeholder, placeholderName);
     if (!url.isValid() || url.isEmpty())
         return;
     ImageLoader &loader = m_loader ? *m_loader : ImageLoader::shared();
@@ -65,7 +89,7 @@ void ImageView::setImageWithURL(const QUrl &url, const QImage &placeholder)
             return;
         m_pending = nullptr;
         if (!image.isNull())
-            showImage(image);
+            showImage(image, QString());
         emit imageLoaded(url);
     });
 }
