@@ -84,16 +84,18 @@ bool ScrollGestureArbiter::press(QWindow *window, QMouseEvent *event)
 bool ScrollGestureArbiter::move(QMouseEvent *event)
 {
     const QPointF moved = event->globalPosition() - m_pressGlobal;
-    if (!m_dragged) {
+    if (!m_dragStarted) {
         if (std::hypot(moved.x(), moved.y()) < kTouchSlop)
             return true;
+        m_dragStarted = true;
         Qt::Orientation axis = Qt::Vertical;
         m_dragged = scrollViewFor(moved, axis);
-        if (!m_dragged)
-            return true;
-        m_dragged->beginDragging(m_pressGlobal, m_pressTime, axis);
+        if (m_dragged)
+            m_dragged->beginDragging(m_pressGlobal, m_pressTime, axis);
     }
-    m_dragged->dragTo(event->globalPosition(), event->timestamp());
+    // The dragged view may have gone meanwhile; the drag still ends without a tap.
+    if (m_dragged)
+        m_dragged->dragTo(event->globalPosition(), event->timestamp());
     return true;
 }
 
@@ -117,7 +119,7 @@ bool ScrollGestureArbiter::release(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return true;
-    const bool tap = !m_dragged && !m_stoppedMotion;
+    const bool tap = !m_dragStarted && !m_stoppedMotion;
     if (m_dragged)
         m_dragged->endDragging(event->globalPosition(), event->timestamp());
     if (tap && m_window) {
@@ -140,5 +142,6 @@ void ScrollGestureArbiter::reset()
     m_stoppedMotion = false;
     m_window = nullptr;
     m_chain.clear();
+    m_dragStarted = false;
     m_dragged = nullptr;
 }

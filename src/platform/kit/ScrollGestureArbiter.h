@@ -52,5 +52,6 @@ private:
     Qt::KeyboardModifiers m_pressModifiers;
     // Enclosing scroll views, innermost first.
     QList<QPointer<ScrollView>> m_chain;
+    bool m_dragStarted = false;
     QPointer<ScrollView> m_dragged;
 };
