@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 #include <QWebEnginePage>
 
+#include <memory>
 #include <optional>
 
 namespace {
@@ -67,20 +68,22 @@ protected:
         return finished.last().first().toBool();
     }
 
+    // The page's answers, or nothing on a timeout. They are shared with the callback, which
+    // may still come after a timeout.
     std::optional<QVariant> evaluate(const QString &script)
     {
-        std::optional<QVariant> result;
-        view.page()->runJavaScript(script, [&](const QVariant &value) { result = value; });
-        testsupport::waitUntil([&] { return result.has_value(); }, kTimeoutMs);
-        return result;
+        auto result = std::make_shared<std::optional<QVariant>>();
+        view.page()->runJavaScript(script, [result](const QVariant &value) { *result = value; });
+        testsupport::waitUntil([&] { return result->has_value(); }, kTimeoutMs);
+        return *result;
     }
 
     std::optional<QString> plainText()
     {
-        std::optional<QString> result;
-        view.page()->toPlainText([&](const QString &text) { result = text; });
-        testsupport::waitUntil([&] { return result.has_value(); }, kTimeoutMs);
-        return result;
+        auto result = std::make_shared<std::optional<QString>>();
+        view.page()->toPlainText([result](const QString &text) { *result = text; });
+        testsupport::waitUntil([&] { return result->has_value(); }, kTimeoutMs);
+        return *result;
     }
 
     static LocalForumServer *server;
