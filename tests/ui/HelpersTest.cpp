@@ -38,41 +38,76 @@ TEST(JsonChangDic, WritesPrettyJsonThatReadsBack)
     EXPECT_EQ(JsonChangDic::dictionaryWithJsonString(text), QJsonValue(payload));
 }
 
-TEST(TextHeights, AbsentIsZeroAndLongerOrNarrowerIsTaller)
+namespace {
+
+// Ideographs without punctuation, so a line may break after any of them.
+const QString kIdeographs = QStringLiteral("天地玄黄宇宙洪荒日月盈昃辰宿列张寒来暑往秋收冬藏闰余成岁律吕调阳");
+
+// `ideographs` ideographs followed by a word of Latin `letters`.
+QString line(int ideographs, const char *letters = "")
+{
+    return kIdeographs.left(ideographs) + QString::fromLatin1(letters);
+}
+
+} // namespace
+
+// The numbers below are for the body font, "Noto Sans CJK SC" at 17 pixels, where a line is
+// 25 points high and an ideograph 16.98 points wide. Texts are measured across the screen
+// less 20 points (lists) or less 110 (the composer).
+
+TEST(TextHeights, AbsentAndEmptyTextMeasureZero)
 {
     EXPECT_EQ(JsonChangDic::adaptiveWithText(std::nullopt), 0);
     EXPECT_EQ(JsonChangDic::adaptHeight(std::nullopt), 0);
-
-    const QString line = QStringLiteral("一行字");
-    const QString paragraph = QString(QStringLiteral("这是一段很长的中文回复内容，用来测试换行。")).repeated(6);
-    const qreal one = JsonChangDic::adaptiveWithText(line);
-    EXPECT_GT(one, 10);
-    EXPECT_GT(JsonChangDic::adaptiveWithText(paragraph), one * 3);
-    // The composer is 90 points narrower, so the same text needs more lines there.
-    EXPECT_GT(JsonChangDic::adaptHeight(paragraph), JsonChangDic::adaptiveWithText(paragraph));
-    EXPECT_EQ(JsonChangDic::adaptHeight(line), one);
-    // Explicit line breaks count.
-    EXPECT_GT(JsonChangDic::adaptiveWithText(QStringLiteral("a\nb\nc")), one * 2.5);
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(QString()), 0);
 }
 
-TEST(TextHeights, AWordTooLongForALineBreaksAtACharacter)
+TEST(TextHeights, ALineEndsWithinTwoPointsOfEachWidth)
 {
-    const qreal one = JsonChangDic::adaptiveWithText(QStringLiteral("a"));
-    const QString url = QStringLiteral("https://example.com/") + QString(80, u'a');
-    // Some 100 Latin letters at 17 points need three lines of 355 points, not one overflowing line.
-    EXPECT_GE(JsonChangDic::adaptiveWithText(url), one * 2.5);
-    EXPECT_EQ(JsonChangDic::adaptiveWithText(QString()), 0);
+    // Per width, letters that leave the line under 2 points short of it (one line) and
+    // letters that make it under 2 points too long (the word goes to a second line), so a
+    // margin that moves by 2 points shows.
+    enum class Measure { List, Composer };
+    const struct
+    {
+        QSize screen;
+        Measure measure;
+        int ideographs;
+        const char *fits;
+        const char *overflows;
+    } cases[] = {
+        {{375, 667}, Measure::List, 20, "iii", "iir"},  // 355 points: 353.7 and 355.6
+        {{375, 667}, Measure::Composer, 15, "ii", "ir"}, // 265: 264.1 and 266.0
+        {{320, 568}, Measure::List, 17, "ll", "fr"},     // 300: 298.4 and 300.8
+        {{320, 568}, Measure::Composer, 12, "i", "r"},   // 210: 208.5 and 210.4
+    };
+    for (const auto &c : cases) {
+        MainScreen::setSize(c.screen);
+        const auto height = c.measure == Measure::List ? &JsonChangDic::adaptiveWithText : &JsonChangDic::adaptHeight;
+        const QString where = QStringLiteral("screen %1, %2 ideographs").arg(c.screen.width()).arg(c.ideographs);
+        EXPECT_EQ(height(line(c.ideographs, c.fits)), 25) << where.toStdString();
+        EXPECT_EQ(height(line(c.ideographs, c.overflows)), 50) << where.toStdString();
+    }
+    MainScreen::setSize(MainScreen::kDefaultSize);
+}
+
+TEST(TextHeights, HardBreaksAndOverlongWordsStartLines)
+{
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(QStringLiteral("一\n二\n三")), 75);
+    // The address up to its last slash fits one line; the 80 letters after it, one word too
+    // long for any line, break at characters over three more.
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(QStringLiteral("https://example.com/") + QString(80, u'a')), 100);
 }
 
 TEST(TextHeights, FollowTheScreenWidthAndCacheNeverChangesAResult)
 {
-    const QString paragraph = QString(QStringLiteral("宽度不同，高度不同。")).repeated(10);
-    const qreal atDefault = JsonChangDic::adaptiveWithText(paragraph);
+    // 18 ideographs (305.7 points) fit the list width of a 375-point screen, not of a 320-point one.
+    const QString eighteen = line(18);
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(eighteen), 25);
     MainScreen::setSize({320, 568});
-    const qreal narrow = JsonChangDic::adaptiveWithText(paragraph);
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(eighteen), 50);
     MainScreen::setSize(MainScreen::kDefaultSize);
-    EXPECT_GT(narrow, atDefault);
-    EXPECT_EQ(JsonChangDic::adaptiveWithText(paragraph), atDefault);
+    EXPECT_EQ(JsonChangDic::adaptiveWithText(eighteen), 25);
 }
 
 TEST(UIColorAdd, AcceptsSixDigitsWithOptionalPrefixAndSpaces)
