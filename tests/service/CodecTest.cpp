@@ -149,9 +149,12 @@ TEST(DesCryptUtil, WrongKeyDeciphersToEmpty)
 {
     const uint8_t otherKey[8] = {1, 2, 3, 4, 5, 6, 7, 8};
     const QString cipher = encode(QStringLiteral(R"({"RData":[1,2,3,4,5,6,7,8,9,10]})")).value();
+    // Under this key the last deciphered byte is 0x1E, no padding length, so the padding
+    // check fails (openssl says "bad decrypt"): nothing deciphers, which is empty text, not
+    // the absent result kept for bytes that are not UTF-8.
     const std::optional<QString> result = DesCryptUtil::DesDecode(cipher, otherKey, DesCryptUtil::kIV);
-    // A wrong key almost always fails the padding check; when it does not, the text is garbage.
-    ASSERT_TRUE(!result || *result != QStringLiteral(R"({"RData":[1,2,3,4,5,6,7,8,9,10]})"));
+    ASSERT_TRUE(result.has_value());
+    EXPECT_EQ(*result, QStringLiteral(""));
 }
 
 TEST(DesCryptUtil, Md5IsLowercaseHexOfUtf8UpToFirstNul)
