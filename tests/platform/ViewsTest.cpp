@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QFontInfo>
 #include <QImage>
 #include <QTemporaryDir>
@@ -73,18 +74,29 @@ TEST(ButtonTest, tapsReachOnlyAButtonThatTakesTouches)
     EXPECT_EQ(taps, 1);
 }
 
-TEST(NoticeOverlayTest, showsOverTheWindowAndHidesItselfAfterItsTime)
+TEST(NoticeOverlayTest, showsOverTheWindowForOneSecondThenGoes)
 {
+    // The notice lasts one second; the margins allow for timer and event-loop slack.
+    constexpr qint64 kStillShownAtMs = 800;
+    constexpr qint64 kGoneByMs = 1300;
     auto window = kittest::shownWindow();
     auto *view = new View(QRectF(0, 64, 375, 603));
     window->addSubview(view);
+    QElapsedTimer clock;
+    clock.start();
     QPointer<NoticeOverlay> notice = NoticeOverlay::showText(view, "网络连接失败");
     ASSERT_TRUE(notice);
+    qint64 hiddenAtMs = -1;
+    QObject::connect(notice, &NoticeOverlay::hidden, [&] { hiddenAtMs = clock.elapsed(); });
     EXPECT_EQ(notice->parentWidget(), window.get());
     EXPECT_EQ(notice->labelText(), "网络连接失败");
-    EXPECT_TRUE(notice->isVisible());
     EXPECT_NEAR(notice->geometry().center().y(), 667 / 2, 1);
-    EXPECT_TRUE(testsupport::waitUntil([&] { return notice.isNull(); }, 5000));
+
+    const auto gone = [&] { return notice.isNull() || !notice->isVisible(); };
+    testsupport::waitUntil([&] { return gone() || clock.elapsed() >= kStillShownAtMs; });
+    EXPECT_FALSE(gone()) << "gone after " << hiddenAtMs << " ms";
+    testsupport::waitUntil([&] { return notice.isNull() || clock.elapsed() >= kGoneByMs; });
+    EXPECT_TRUE(notice.isNull()) << "still there after " << clock.elapsed() << " ms";
 
     View detached;
     EXPECT_EQ(NoticeOverlay::showText(&detached, "回复成功"), nullptr);
