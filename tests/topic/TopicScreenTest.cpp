@@ -159,19 +159,54 @@ TEST_F(TopicScreenTest, OtherOpenersGetNoBackItemOfTheirOwn)
     EXPECT_EQ(screen->navigationItem()->leftBarButtonItem(), nullptr);
 }
 
-TEST_F(TopicScreenTest, EveryRowTakesTheHeightOfTheLastRecordHandedOut)
+TEST_F(TopicScreenTest, EveryRowTakesTheHeightOfTheRecordLastParsedOrHandedToACell)
 {
     auto screen = makeScreen(Demo::kManyRepliesTopicId, Demo::kManyRepliesSectionId);
     show(window, screen);
     ASSERT_TRUE(waitUntilLoaded(screen));
-
     TableView *table = screen->tableView();
-    const qreal expected =
-        JsonChangDic::adaptiveWithText(FieldValue::optionalText(screen->replyListModel.content())) + 50;
-    EXPECT_DOUBLE_EQ(screen->heightForRowAtIndexPath(table, {0, 0}), expected);
-    EXPECT_DOUBLE_EQ(screen->heightForRowAtIndexPath(table, {1, 5}), expected);
-    EXPECT_EQ(screen->heightForHeaderInSection(table, 1), 46);
-    EXPECT_EQ(screen->heightForFooterInSection(table, 2), 1);
+    const auto rowHeightFor = [](const QJsonValue &content) {
+        return JsonChangDic::adaptiveWithText(FieldValue::optionalText(content)) + 50;
+    };
+    // The heights of every row of both reply sections, read from the table's layout.
+    const auto rowHeights = [table] {
+        QList<qreal> heights;
+        for (int section : {0, 1}) {
+            for (int row = 0; row < table->numberOfRowsInSection(section); ++row)
+                heights.append(table->rectForRowAtIndexPath({section, row}).height());
+        }
+        return heights;
+    };
+    const int rows = Demo::kManyRepliesHighlighted + Demo::kManyRepliesFirstPageOrdinary;
+
+    // A replies answer on its own lays the rows out straight after parsing, so all take the
+    // height of the answer's last record, whichever section it belongs to.
+    QJsonArray answer;
+    HttpRequest::GetRepliesLogSuccessBlock([&answer](const HttpTask &, const QJsonValue &payload) { answer = payload.toArray(); },
+                                           {}, screen->jsonString);
+    ASSERT_TRUE(testsupport::waitUntil([&answer] { return !answer.isEmpty(); }));
+    screen->replyRequst();
+    ASSERT_TRUE(testsupport::waitUntil([] { return HttpSessionManager::requestsInFlight() == 0; }));
+    const qreal lastParsedHeight = rowHeightFor(answer.last().toObject().value(QStringLiteral("content")));
+    EXPECT_EQ(rowHeights(), QList<qreal>(rows, lastParsedHeight));
+
+    // Rows are handed to cells in order as they come into view. Scrolled to the bottom edge,
+    // a reply that measures otherwise is the last one handed out, and the next layout
+    // measures every row from it.
+    int other = 0;
+    while (other < screen->dataSource.size()
+           && rowHeightFor(screen->dataSource.at(other).content()) == lastParsedHeight)
+        ++other;
+    ASSERT_LT(other, screen->dataSource.size());
+    const IndexPath target{1, other};
+    ASSERT_FALSE(table->indexPathsForVisibleRows().contains(target));
+    table->setContentOffset(QPointF(0, table->rectForRowAtIndexPath(target).top() - table->viewport()->height() + 1));
+    ASSERT_EQ(table->indexPathsForVisibleRows().last(), target);
+    table->reloadData();
+    EXPECT_EQ(rowHeights(), QList<qreal>(rows, rowHeightFor(screen->dataSource.at(other).content())));
+
+    EXPECT_EQ(table->rectForHeaderInSection(1).height(), 46);
+    EXPECT_EQ(table->rectForFooterInSection(2).height(), 1);
 }
 
 TEST_F(TopicScreenTest, UnreachableServerLeavesTheScreenAsItWasAndStillRefreshing)
