@@ -9,12 +9,75 @@
 #include <QImage>
 #include <QTemporaryDir>
 
+#include <algorithm>
+
 namespace {
+
+// Below this grey level a pixel counts as ink: the screen's texts are near black on white
+// or on the light bar, and nothing else that dark is drawn in the bands looked at.
+constexpr int kInkGrey = 128;
+// The navigation bar's 44 points below the 20-point status strip hold "详情", centred: two
+// bold 17-pixel ideographs, 33 points from the first inked column to the last, with some
+// 250 inked pixels.
+constexpr int kBarTop = 20;
+constexpr int kBarHeight = 44;
+constexpr int kBarTitleInkWidth = 33;
+constexpr int kInkWidthSlack = 3;
+constexpr double kCentringSlack = 2;
+constexpr int kMinBarTitleInk = 150;
+// The first line of the topic's title: 18-pixel text 20 points below the bar and 15 in from
+// the side; its first glyph starts inking within one glyph of that margin.
+constexpr int kTopicTitleTop = 84;
+constexpr int kTopicTitleHeight = 28;
+constexpr int kTopicTitleFontSize = 18;
+constexpr int kHeaderSide = 15;
+// A line of a dozen ideographs; a stray mark or a lone glyph has far less.
+constexpr int kMinTopicTitleInk = 500;
 
 testsupport::ProgramResult runApp(const QStringList &arguments)
 {
     return testsupport::runProgram(QStringLiteral(QUORVEL_APP_BINARY), arguments,
                                    {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}});
+}
+
+struct Ink
+{
+    int pixels = 0;
+    int left = -1;  // the outermost inked columns, -1 when there is no ink
+    int right = -1;
+};
+
+// The ink in a full-width band of rows of the picture (in points).
+Ink inkInBand(const QImage &picture, int top, int height)
+{
+    const qreal scale = picture.devicePixelRatio();
+    Ink ink;
+    for (int y = int(top * scale); y < int((top + height) * scale); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (qGray(picture.pixel(x, y)) >= kInkGrey)
+                continue;
+            ++ink.pixels;
+            const int column = int(x / scale);
+            ink.left = ink.left < 0 ? column : std::min(ink.left, column);
+            ink.right = std::max(ink.right, column);
+        }
+    }
+    return ink;
+}
+
+// The bar's title and the topic's title are drawn where they belong; a blank or misplaced
+// render fails.
+void expectTitlesDrawn(const QImage &picture, int screenWidth)
+{
+    const Ink bar = inkInBand(picture, kBarTop, kBarHeight);
+    EXPECT_GE(bar.pixels, kMinBarTitleInk) << screenWidth;
+    EXPECT_NEAR((bar.left + bar.right) / 2.0, screenWidth / 2.0, kCentringSlack) << screenWidth;
+    EXPECT_NEAR(bar.right - bar.left + 1, kBarTitleInkWidth, kInkWidthSlack) << screenWidth;
+
+    const Ink title = inkInBand(picture, kTopicTitleTop, kTopicTitleHeight);
+    EXPECT_GE(title.pixels, kMinTopicTitleInk) << screenWidth;
+    EXPECT_GE(title.left, kHeaderSide) << screenWidth;
+    EXPECT_LT(title.left, kHeaderSide + kTopicTitleFontSize) << screenWidth;
 }
 
 } // namespace
@@ -35,6 +98,7 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     const QImage picture(shot);
     ASSERT_FALSE(picture.isNull());
     EXPECT_EQ(picture.size() / picture.devicePixelRatio(), QSize(375, 667));
+    expectTitlesDrawn(picture, 375);
     EXPECT_GE(QString::fromUtf8(server.log()).count(QStringLiteral("/api/RepliesLog")), 1);
 
     const testsupport::ProgramResult narrow = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--screen"),
@@ -43,6 +107,7 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     ASSERT_EQ(narrow.exitCode, 0) << narrow.errors.toStdString();
     const QImage smaller(small);
     EXPECT_EQ(smaller.size() / smaller.devicePixelRatio(), QSize(320, 568));
+    expectTitlesDrawn(smaller, 320);
 }
 
 TEST(AppWindow, BadOptionsAreRefusedWithAReason)
