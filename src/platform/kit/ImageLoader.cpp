@@ -1,5 +1,7 @@
 #include "ImageLoader.h"
 
+#include "KitLog.h"
+
 #include <QDir>
 #include <QNetworkDiskCache>
 #include <QNetworkReply>
@@ -62,8 +64,7 @@ QNetworkReply *ImageLoader::loadImage(const QUrl &url, QObject *context, Complet
         if (!image.isNull())
             remember(url, image);
         else
-            qWarning("ImageLoader: no image from %s (%s)", qPrintable(url.toString()),
-                     qPrintable(reply->errorString()));
+            KitLog::warning("ImageLoader", QStringLiteral("no image from %1 (%2)").arg(url.toString(), reply->errorString()));
         completion(image);
     });
     return reply;

@@ -1,10 +1,10 @@
 #include "ModalTransition.h"
 
+#include "KitLog.h"
 #include "View.h"
 #include "ViewController.h"
 #include "Window.h"
 
-#include <QDebug>
 #include <QPointer>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -39,7 +39,7 @@ void ModalTransition::present(ViewController *presenter, ViewController *present
     if (!window)
         window = Window::keyWindow();
     if (!window) {
-        qWarning("ModalTransition: no window to present in");
+        KitLog::warning("ModalTransition", QStringLiteral("no window to present in"));
         return;
     }
     View *view = presented->view();

@@ -1,11 +1,11 @@
 #include "TableView.h"
 
+#include "KitLog.h"
 #include "TableViewCell.h"
 #include "TableViewDataSource.h"
 #include "TableViewDelegate.h"
 #include "ViewSupport.h"
 
-#include <QDebug>
 
 TableView::TableView(QWidget *parent) : ScrollView(parent)
 {
@@ -293,7 +293,7 @@ void TableView::layoutCells(qreal top, qreal bottom)
         if (!cell) {
             cell = m_dataSource ? m_dataSource->cellForRowAtIndexPath(this, path) : nullptr;
             if (!cell) {
-                qWarning("TableView: no cell for section %d row %d", path.section, path.row);
+                KitLog::warning("TableView", QStringLiteral("no cell for section %1 row %2").arg(path.section).arg(path.row));
                 cell = new TableViewCell();
             }
             cell->setParent(viewport());
