@@ -69,7 +69,6 @@ TEST_F(RefreshTest, beginningShowsAtOnceAndRunsTheActionOnceAfterSlidingIn)
     header->beginRefreshing();
     ASSERT_TRUE(testsupport::waitUntil([&] { return loader.loads == 1; }));
     EXPECT_GE(clock.elapsed(), RefreshControl::kSlideInMs);
-    EXPECT_LT(clock.elapsed(), RefreshControl::kSlideInMs + 200);
     QTest::qWait(RefreshControl::kSlideInMs);
     EXPECT_EQ(loader.loads, 1);
 
@@ -88,6 +87,8 @@ TEST_F(RefreshTest, aControlGoneBeforeItsSlideInEndsRunsNothing)
     table->setHeader(header);
     header->beginRefreshing();
     table->setHeader(nullptr);
+    // Its room goes with it.
+    EXPECT_EQ(table->adjustedContentInset().top, 0);
     QTest::qWait(RefreshControl::kSlideInMs + 100);
     EXPECT_EQ(loader.loads, 0);
 }

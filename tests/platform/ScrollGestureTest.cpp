@@ -18,6 +18,7 @@
 #include "TextView.h"
 
 #include <QKeyEvent>
+#include <QPlainTextEdit>
 
 #include <gtest/gtest.h>
 
@@ -174,6 +175,108 @@ TEST_F(ScrollGestureTest, aFlickGlidesOnAndAPressOnMovingContentOnlyStopsIt)
     EXPECT_FALSE(table->indexPathForSelectedRow().has_value());
 }
 
+TEST_F(ScrollGestureTest, contentStoppedOutOfPlaceSettlesWhenThePressEnds)
+{
+    testsupport::Pointer person = pointer();
+    // Stopped while bouncing back from past the top: it goes back to the top.
+    person.drag(at(button), QPoint(0, 200));
+    QTest::qWait(40);
+    person.tap(at(table->viewport(), QPoint(200, 600)));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return tableY() == 0 && !table->isDecelerating(); }));
+    // Stopped between pages: it settles on the nearest.
+    const QPoint onPager = at(pager->viewport(), QPoint(300, 75));
+    person.flick(onPager, QPoint(-100, 0));
+    QTest::qWait(30);
+    person.tap(onPager);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !pager->isDecelerating() && pagerCalls.deceleratedTo.size() == 1; }));
+    const qreal x = pager->contentOffset().x();
+    EXPECT_TRUE(x == 0 || x == kPage) << x;
+}
+
+TEST_F(ScrollGestureTest, aGlideOverContentThatShrankStopsAtTheNewEnd)
+{
+    pointer().flick(at(button), QPoint(0, -200));
+    ASSERT_TRUE(table->isDecelerating());
+    rows.rows = 2;
+    table->reloadData();
+    EXPECT_TRUE(testsupport::waitUntil([&] { return !table->isDecelerating(); }));
+    EXPECT_EQ(tableY(), table->maximumContentOffset().y());
+    EXPECT_EQ(tableY(), 0);
+}
+
+TEST_F(ScrollGestureTest, aPointerThatLetGoUnseenEndsTheDragAndNothingMovesOnHover)
+{
+    testsupport::Pointer person = pointer();
+    const QPoint start = at(button);
+    person.press(start);
+    person.moveTo(start - QPoint(0, 30), 20);
+    ASSERT_TRUE(table->isDragging());
+    // The release went elsewhere: the next move comes with no button held.
+    QTest::mouseMove(window->windowHandle(), start - QPoint(0, 40), 200);
+    QTestPrivate::qtestMouseButtons = Qt::NoButton;
+    QTest::mouseMove(window->windowHandle(), start - QPoint(0, 130), 20);
+    EXPECT_FALSE(table->isDragging());
+    EXPECT_TRUE(testsupport::waitUntil([&] { return !table->isDecelerating(); }));
+    EXPECT_EQ(tableY(), 40);
+    // And the next tap is a tap.
+    table->setContentOffset(QPointF(0, 0));
+    table->layoutIfNeeded();
+    person.tap(at(button));
+    EXPECT_EQ(buttonTaps, 1);
+}
+
+TEST_F(ScrollGestureTest, aDoubleClickInsideTheListReachesTheChildWhole)
+{
+    textView->setEditable(false);
+    textView->setText(QStringLiteral("hello world"));
+    QWindow *handle = window->windowHandle();
+    const QPoint onWord = at(textView, QPoint(12, 12));
+    QTest::mouseDClick(handle, Qt::LeftButton, {}, onWord);
+    EXPECT_EQ(textView->inputWidget()->textCursor().selectedText(), QStringLiteral("hello"));
+    QTest::mouseDClick(handle, Qt::LeftButton, {}, at(button));
+    EXPECT_EQ(buttonTaps, 2);
+}
+
+TEST_F(ScrollGestureTest, aPauseBeforeLettingGoLeavesNoGlide)
+{
+    testsupport::Pointer person = pointer();
+    const QPoint start = at(button);
+    person.press(start);
+    for (int i = 1; i <= 5; ++i)
+        person.moveTo(start - QPoint(0, 40 * i), testsupport::Pointer::kFlickStepMs);
+    person.release(60);
+    EXPECT_FALSE(table->isDecelerating());
+    EXPECT_EQ(tableY(), 200);
+}
+
+TEST_F(ScrollGestureTest, pagesCountFromTheInsetAndAWheelStrokeTurnsOne)
+{
+    pager->setContentInset(EdgeInsets{0, 20, 0, 0});
+    pager->setContentOffset(QPointF(-20, 0));
+    testsupport::Pointer person = pointer();
+    const QPoint onPager = at(pager->viewport(), QPoint(300, 75));
+    person.drag(onPager, QPoint(-30, 0));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return pagerCalls.deceleratedTo.size() == 1; }));
+    EXPECT_EQ(pager->contentOffset().x(), -20);
+
+    person.wheel(onPager, QPoint(-120, 0));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return pagerCalls.deceleratedTo.size() == 2; }));
+    EXPECT_EQ(pager->contentOffset().x(), kPage - 20);
+}
+
+TEST_F(ScrollGestureTest, anOpenPopupKeepsThePressesItCloses)
+{
+    QWidget popup(nullptr, Qt::Popup);
+    popup.resize(50, 50);
+    popup.show();
+    ASSERT_EQ(QApplication::activePopupWidget(), &popup);
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, at(button));
+    for (int i = 1; i <= 5; ++i)
+        QTest::mouseMove(window->windowHandle(), at(button) - QPoint(0, 20 * i), 20);
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, at(button) - QPoint(0, 100), 20);
+    EXPECT_EQ(tableY(), 0);
+}
+
 TEST_F(ScrollGestureTest, aQuickFlickTurnsThePageAndASlowDragSettlesOnTheNearest)
 {
     testsupport::Pointer person = pointer();
@@ -288,7 +391,10 @@ TEST_F(ScrollGestureTest, theWheelScrollsAndPullsTheRefreshControlsPastTheEdgesI
     person.wheel(onList, {}, QPoint(0, -60), Qt::ScrollUpdate);
     EXPECT_EQ(tableY(), table->maximumContentOffset().y() + 60);
     EXPECT_EQ(table->footer()->state(), RefreshControl::State::Pulling);
+    // The touchpad's empty closing event ends the stroke at once.
     person.wheel(onList, {}, QPoint(0, 0), Qt::ScrollEnd);
+    EXPECT_FALSE(table->isDragging());
+    EXPECT_TRUE(table->footer()->isRefreshing());
     EXPECT_TRUE(testsupport::waitUntil([&] { return loads == 1; }));
 }
 
@@ -307,12 +413,13 @@ TEST_F(ScrollGestureTest, pageKeysHomeAndEndScrollTheFocusedList)
     pointer().tap(at(table->viewport(), QPoint(200, 600)));
     ASSERT_TRUE(table->hasFocus());
     const qreal page = 667 - 40;
-    QTest::keyClick(table, Qt::Key_PageDown);
+    QWindow *keys = window->windowHandle();
+    QTest::keyClick(keys, Qt::Key_PageDown);
     EXPECT_TRUE(testsupport::waitUntil([&] { return tableY() == page; }));
-    QTest::keyClick(table, Qt::Key_End);
+    QTest::keyClick(keys, Qt::Key_End);
     EXPECT_TRUE(testsupport::waitUntil([&] { return tableY() == table->maximumContentOffset().y(); }));
     EXPECT_EQ(table->maximumContentOffset().y(), 450 + kRows * kRowHeight - 667);
-    QTest::keyClick(table, Qt::Key_Home);
+    QTest::keyClick(keys, Qt::Key_Home);
     EXPECT_TRUE(testsupport::waitUntil([&] { return tableY() == 0; }));
 }
 

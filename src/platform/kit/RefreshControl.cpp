@@ -6,6 +6,9 @@
 #include <QFontMetricsF>
 #include <QPainter>
 
+static_assert(RefreshControl::kSlideInMs == ScrollView::kDecelerationMs,
+              "the action runs once the slide-in has ended");
+
 namespace {
 constexpr int kTextFontSize = 14;
 const QColor kTextColor(90, 90, 90);

@@ -20,7 +20,8 @@ class RefreshControl : public View
     Q_OBJECT
 public:
     enum class State { Idle = 1, Pulling = 2, Refreshing = 3 };
-    // How long the control takes to slide into view before its action runs.
+    // How long the control takes to slide into view before its action runs: the scroll
+    // view's settling time.
     static constexpr int kSlideInMs = 250;
     using RefreshingBlock = std::function<void()>;
 

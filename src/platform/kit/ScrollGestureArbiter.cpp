@@ -22,21 +22,34 @@ void ScrollGestureArbiter::install()
 
 bool ScrollGestureArbiter::eventFilter(QObject *watched, QEvent *event)
 {
+    const QEvent::Type type = event->type();
+    if (m_replaying
+        || (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease
+            && type != QEvent::MouseButtonDblClick)) {
+        return false;
+    }
     auto *window = qobject_cast<QWindow *>(watched);
-    if (m_replaying || !window)
+    if (!window)
         return false;
-    switch (event->type()) {
+    auto *mouse = static_cast<QMouseEvent *>(event);
+    if (m_tracking && !m_window) {
+        // The window went away under the pointer.
+        finishWithoutTap(nullptr);
+        reset();
+    }
+    switch (type) {
     case QEvent::MouseButtonPress:
-        return press(window, static_cast<QMouseEvent *>(event));
+        return press(window, mouse);
     case QEvent::MouseMove:
-        return m_tracking && move(static_cast<QMouseEvent *>(event));
+        return m_tracking && move(mouse);
     case QEvent::MouseButtonRelease:
-        return m_tracking && release(static_cast<QMouseEvent *>(event));
-    case QEvent::MouseButtonDblClick:
-        // The second press of a double click is held like the first; its tap replays it.
-        return m_tracking;
+        return m_tracking && release(mouse);
     default:
-        return false;
+        // The second press of a double click is held like the first, and replayed with it.
+        if (!m_tracking)
+            return false;
+        m_doubleClick = mouse->button() == Qt::LeftButton;
+        return true;
     }
 }
 
@@ -56,7 +69,13 @@ bool ScrollGestureArbiter::press(QWindow *window, QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return m_tracking;
     // A press while tracking means the last release never came (it went to another window).
-    reset();
+    if (m_tracking) {
+        finishWithoutTap(nullptr);
+        reset();
+    }
+    // An open popup takes every press, to close itself.
+    if (QApplication::activePopupWidget())
+        return false;
     QWidget *root = widgetOfWindow(window);
     if (!root)
         return false;
@@ -67,8 +86,10 @@ bool ScrollGestureArbiter::press(QWindow *window, QMouseEvent *event)
     }
     if (m_chain.isEmpty())
         return false;
-    for (const QPointer<ScrollView> &scrollView : std::as_const(m_chain))
-        m_stoppedMotion = scrollView->stopScrolling() || m_stoppedMotion;
+    for (const QPointer<ScrollView> &scrollView : std::as_const(m_chain)) {
+        if (scrollView->stopScrolling())
+            m_stopped.append(scrollView);
+    }
     ScrollView *innermost = m_chain.first();
     if (!QApplication::focusWidget())
         innermost->setFocus(Qt::MouseFocusReason);
@@ -83,6 +104,12 @@ bool ScrollGestureArbiter::press(QWindow *window, QMouseEvent *event)
 
 bool ScrollGestureArbiter::move(QMouseEvent *event)
 {
+    // The release was lost (a modal dialog took it, say): nothing is pressed any more.
+    if (!(event->buttons() & Qt::LeftButton)) {
+        finishWithoutTap(nullptr);
+        reset();
+        return false;
+    }
     const QPointF moved = event->globalPosition() - m_pressGlobal;
     if (!m_dragStarted) {
         if (std::hypot(moved.x(), moved.y()) < kTouchSlop)
@@ -119,28 +146,54 @@ bool ScrollGestureArbiter::release(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return true;
-    const bool tap = !m_dragStarted && !m_stoppedMotion;
-    if (m_dragged)
-        m_dragged->endDragging(event->globalPosition(), event->timestamp());
-    if (tap && m_window) {
-        // The held press goes to the window as it came: Qt finds the widget under it, gives it
-        // focus and the press; this release then follows it there.
-        QMouseEvent press(QEvent::MouseButtonPress, m_pressLocal, m_pressLocal, m_pressGlobal, Qt::LeftButton,
-                          Qt::LeftButton, m_pressModifiers, event->pointingDevice());
-        press.setTimestamp(quint64(m_pressTime));
-        m_replaying = true;
-        QCoreApplication::sendEvent(m_window, &press);
-        m_replaying = false;
-    }
+    const bool tap = !m_dragStarted && m_stopped.isEmpty();
+    if (tap)
+        replayTap(event);
+    else
+        finishWithoutTap(event);
     reset();
+    // A tap's release follows its replayed press to the widget.
     return !tap;
+}
+
+void ScrollGestureArbiter::finishWithoutTap(QMouseEvent *release)
+{
+    if (m_dragged && release)
+        m_dragged->endDragging(release->globalPosition(), release->timestamp());
+    else if (m_dragged)
+        m_dragged->endDraggingInPlace();
+    for (const QPointer<ScrollView> &scrollView : std::as_const(m_stopped)) {
+        if (scrollView && scrollView != m_dragged)
+            scrollView->settle();
+    }
+}
+
+void ScrollGestureArbiter::replayTap(QMouseEvent *release)
+{
+    if (!m_window)
+        return;
+    // The held press goes to the window as it came: Qt finds the widget under it and gives it
+    // focus and the press; the release then follows it there.
+    QMouseEvent press(QEvent::MouseButtonPress, m_pressLocal, m_pressLocal, m_pressGlobal, Qt::LeftButton,
+                      Qt::LeftButton, m_pressModifiers, release->pointingDevice());
+    press.setTimestamp(quint64(m_pressTime));
+    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, m_pressLocal, m_pressLocal, m_pressGlobal,
+                            Qt::LeftButton, Qt::LeftButton, m_pressModifiers, release->pointingDevice());
+    doubleClick.setTimestamp(quint64(m_pressTime));
+    QPointer<QWindow> window = m_window;
+    m_replaying = true;
+    QCoreApplication::sendEvent(window, &press);
+    if (m_doubleClick && window)
+        QCoreApplication::sendEvent(window, &doubleClick);
+    m_replaying = false;
 }
 
 void ScrollGestureArbiter::reset()
 {
     m_tracking = false;
-    m_stoppedMotion = false;
+    m_doubleClick = false;
     m_window = nullptr;
+    m_stopped.clear();
     m_chain.clear();
     m_dragStarted = false;
     m_dragged = nullptr;

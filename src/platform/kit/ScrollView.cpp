@@ -51,12 +51,7 @@ ScrollView::ScrollView(QWidget *parent) : QAbstractScrollArea(parent)
     ScrollGestureArbiter::install();
     m_wheelStrokeEnd.setSingleShot(true);
     m_wheelStrokeEnd.setInterval(kWheelStrokeEndMs);
-    connect(&m_wheelStrokeEnd, &QTimer::timeout, this, [this] {
-        if (!m_wheelStroke)
-            return;
-        m_wheelStroke = false;
-        finishDragging(0);
-    });
+    connect(&m_wheelStrokeEnd, &QTimer::timeout, this, &ScrollView::endWheelStroke);
 }
 
 ScrollView::ScrollView(const QRectF &frame, QWidget *parent) : ScrollView(parent)
@@ -130,6 +125,7 @@ void ScrollView::setContentSize(const QSizeF &size)
     m_contentSize = size;
     if (m_content)
         m_content->resize(size.toSize().expandedTo(QSize(1, 1)));
+    keepAnimationInRange();
     placeRefreshControls();
     setNeedsLayout();
 }
@@ -259,7 +255,8 @@ void ScrollView::setFooter(RefreshFooter *footer)
 
 void ScrollView::releaseRefreshControl(RefreshControl *control)
 {
-    // Deleted later: the replacing may come from the control's own signal.
+    // Its room goes with it. Deleted later: the replacing may come from the control's own signal.
+    control->endRefreshing();
     control->attach(nullptr);
     ViewSupport::removeFromSuperview(control);
 }
@@ -329,6 +326,23 @@ bool ScrollView::stopScrolling()
     return true;
 }
 
+void ScrollView::settle()
+{
+    if (m_dragging)
+        return;
+    animateOffset(releaseTarget(0), kDecelerationMs, true);
+}
+
+void ScrollView::keepAnimationInRange()
+{
+    if (!m_animation)
+        return;
+    const QPointF end = m_animation->endValue().toPointF();
+    const QPointF inRange = clampedOffset(end);
+    if (inRange != end)
+        m_animation->setEndValue(inRange);
+}
+
 bool ScrollView::isDecelerating() const
 {
     return m_animation && m_animationDecelerates;
@@ -371,19 +385,30 @@ void ScrollView::endDragging(const QPointF &position, qint64 time)
     finishDragging(-m_velocity.velocity());
 }
 
+void ScrollView::endDraggingInPlace()
+{
+    if (!m_dragging || m_wheelStroke)
+        return;
+    finishDragging(0);
+}
+
 void ScrollView::finishDragging(qreal velocity)
 {
     m_dragging = false;
+    // Refresh actions and the delegate may delete this view.
+    const QPointer<ScrollView> alive(this);
     // A header or footer pulled far enough begins refreshing and takes its room first, so the
     // content settles with it in view.
     if (m_header)
         m_header->scrollViewDidEndDragging();
-    if (m_footer)
+    if (alive && m_footer)
         m_footer->scrollViewDidEndDragging();
+    if (!alive)
+        return;
     const bool willDecelerate = (releaseTarget(velocity) - m_offset).manhattanLength() >= kOffsetTolerance;
     if (m_delegate)
         m_delegate->scrollViewDidEndDragging(this, willDecelerate);
-    if (!willDecelerate)
+    if (!alive || !willDecelerate)
         return;
     // Asked again: the delegate may have resized the view.
     const QPointF target = releaseTarget(velocity);
@@ -401,13 +426,16 @@ QPointF ScrollView::releaseTarget(qreal velocity) const
     const qreal current = along(m_offset);
     qreal target = current;
     if (m_pagingEnabled) {
+        // Pages count from where the content rests at the start.
+        const qreal origin = along(minimumContentOffset());
         const qreal page = qMax(1, m_axis == Qt::Vertical ? viewport()->height() : viewport()->width());
+        const qreal position = (current - origin) / page;
+        qreal index = std::round(position);
         if (velocity > kPageFlickVelocity)
-            target = (std::floor(current / page) + 1) * page;
+            index = std::floor(position) + 1;
         else if (velocity < -kPageFlickVelocity)
-            target = (std::ceil(current / page) - 1) * page;
-        else
-            target = std::round(current / page) * page;
+            index = std::ceil(position) - 1;
+        target = origin + index * page;
     } else if (along(resting) == current && std::abs(velocity) > kMinGlideVelocity) {
         target = current + velocity * kGlideMsPerVelocity;
     }
@@ -466,6 +494,7 @@ void ScrollView::beginWheelStroke(Qt::Orientation axis)
     m_dragging = true;
     m_axis = axis;
     m_wheelPosition = m_offset;
+    m_wheelStart = m_offset;
     // Pulling past an edge is for content that rested there: a fast stroke that runs into
     // the top stops at it instead of refreshing by accident.
     m_wheelMayPassStart = along(m_offset) <= along(minimumContentOffset()) + kOffsetTolerance;
@@ -474,11 +503,28 @@ void ScrollView::beginWheelStroke(Qt::Orientation axis)
         m_delegate->scrollViewWillBeginDragging(this);
 }
 
+void ScrollView::endWheelStroke()
+{
+    if (!m_wheelStroke)
+        return;
+    m_wheelStroke = false;
+    // A stroke on a paging view turns the page its way, as a flick does.
+    const qreal moved = along(m_offset - m_wheelStart);
+    finishDragging(m_pagingEnabled && moved != 0 ? std::copysign(2 * kPageFlickVelocity, moved) : 0);
+}
+
 void ScrollView::wheelEvent(QWheelEvent *event)
 {
     const QPointF delta = event->pixelDelta().isNull()
         ? QPointF(event->angleDelta()) / kDegreesPerNotch * kWheelPointsPerNotch
         : QPointF(event->pixelDelta());
+    // Touchpads end their strokes with an empty event.
+    if (event->phase() == Qt::ScrollEnd && m_wheelStroke) {
+        event->accept();
+        m_wheelStrokeEnd.stop();
+        endWheelStroke();
+        return;
+    }
     const Qt::Orientation axis = std::abs(delta.y()) >= std::abs(delta.x()) ? Qt::Vertical : Qt::Horizontal;
     // Left to an enclosing scroll view: a vertical wheel over a horizontal strip scrolls the list.
     if (!canScroll(axis) || delta.isNull()) {
@@ -502,8 +548,7 @@ void ScrollView::wheelEvent(QWheelEvent *event)
     applyOffset(rubberBanded(m_wheelPosition));
     if (event->phase() == Qt::ScrollEnd) {
         m_wheelStrokeEnd.stop();
-        m_wheelStroke = false;
-        finishDragging(0);
+        endWheelStroke();
     } else {
         m_wheelStrokeEnd.start();
     }
@@ -537,6 +582,7 @@ void ScrollView::keyPressEvent(QKeyEvent *event)
 void ScrollView::resizeEvent(QResizeEvent *event)
 {
     QAbstractScrollArea::resizeEvent(event);
+    keepAnimationInRange();
     contentOffsetDidChange();
     placeRefreshControls();
     setNeedsLayout();

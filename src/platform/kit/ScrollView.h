@@ -85,8 +85,12 @@ public:
     void beginDragging(const QPointF &pressPosition, qint64 pressTime, Qt::Orientation axis);
     void dragTo(const QPointF &position, qint64 time);
     void endDragging(const QPointF &position, qint64 time);
+    // Ends a drag whose release never came: where the content is, without speed.
+    void endDraggingInPlace();
     // Stops a running animation where the content is; true when one was running.
     bool stopScrolling();
+    // Brings content left out of place (past an edge, between pages) back where it rests.
+    void settle();
 
     void setNeedsLayout();
     void layoutIfNeeded();
@@ -119,6 +123,8 @@ protected:
 private:
     void applyOffset(const QPointF &offset);
     void animateOffset(const QPointF &target, int durationMs, bool decelerating);
+    // A running animation heading out of range (the content shrank) stops at its edge.
+    void keepAnimationInRange();
     void finishDragging(qreal velocity);
     QPointF clampedOffset(const QPointF &offset) const;
     QPointF rubberBanded(const QPointF &offset) const;
@@ -126,6 +132,7 @@ private:
     qreal along(const QPointF &point) const;
     QPointF withAlong(const QPointF &point, qreal value) const;
     void beginWheelStroke(Qt::Orientation axis);
+    void endWheelStroke();
     void placeRefreshControls();
     void releaseRefreshControl(RefreshControl *control);
 
@@ -152,6 +159,7 @@ private:
     // A wheel stroke drags an unbounded position; past an edge only where it began resting.
     bool m_wheelStroke = false;
     QPointF m_wheelPosition;
+    QPointF m_wheelStart;
     bool m_wheelMayPassStart = false;
     bool m_wheelMayPassEnd = false;
     QTimer m_wheelStrokeEnd;

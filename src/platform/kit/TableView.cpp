@@ -237,6 +237,8 @@ void TableView::scrollToRowAtIndexPath(const IndexPath &indexPath, bool animated
 
 void TableView::contentOffsetDidChange()
 {
+    // Subviews added to the table scroll with it; rows wait for the layout pass.
+    ScrollView::contentOffsetDidChange();
     setNeedsLayout();
 }
 

@@ -1,11 +1,11 @@
 #include "TapGestureRecognizer.h"
 
+#include "ScrollGestureArbiter.h"
+
 #include <QMouseEvent>
 #include <QWidget>
 
-namespace {
-constexpr qreal kTapSlop = 10;
-}
+#include <cmath>
 
 TapGestureRecognizer::TapGestureRecognizer(QWidget *view, Action action)
     : QObject(view), m_view(view), m_action(std::move(action))
@@ -28,7 +28,8 @@ bool TapGestureRecognizer::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::MouseButtonRelease && m_pressed) {
         auto *mouse = static_cast<QMouseEvent *>(event);
         m_pressed = false;
-        const bool tapped = (mouse->position() - m_pressPosition).manhattanLength() <= kTapSlop
+        const QPointF moved = mouse->position() - m_pressPosition;
+        const bool tapped = std::hypot(moved.x(), moved.y()) < ScrollGestureArbiter::kTouchSlop
             && m_view->rect().contains(mouse->position().toPoint());
         if (tapped && m_action)
             m_action(this);

@@ -11,6 +11,8 @@ class VelocityTracker
 public:
     // Only movement this recent counts towards the speed at release.
     static constexpr qint64 kWindowMs = 100;
+    // A pointer that rested this long before the last sample has no speed left.
+    static constexpr qint64 kStillMs = 40;
 
     void reset()
     {
@@ -31,6 +33,8 @@ public:
         if (m_count < 2)
             return 0;
         const Sample &last = at(m_count - 1);
+        if (last.time - at(m_count - 2).time > kStillMs)
+            return 0;
         const Sample *first = &last;
         for (int i = m_count - 2; i >= 0; --i) {
             if (last.time - at(i).time > kWindowMs)
