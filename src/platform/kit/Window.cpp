@@ -37,6 +37,8 @@ Window::Window(const QSize &screenSize) : m_keyboard(new View(this))
 
 Window::~Window()
 {
+    // Text views going down with the window lower the keyboard; this window no longer shows it.
+    disconnect(&KeyboardObserver::shared(), nullptr, this, nullptr);
     // The root's view is a child of this window: let the controller go first so it deletes it.
     m_root.reset();
 }
