@@ -20,6 +20,7 @@
 #include "TextView.h"
 #include "TopicStyle.h"
 #include "UserIdStore.h"
+#include "ViewSupport.h"
 #include "Window.h"
 
 #include <QJsonObject>
@@ -69,6 +70,8 @@ void HostDetailViewController::buildReplyBar()
     m_replyTextView = new TextView(QRectF(kBoxLeft, H - kBoxFirstAbove, W - kBoxRightRoom, kBoxHeight));
     m_replyTextView->setFont(Fonts::systemFontOfSize(kReplyFont));
     m_replyTextView->setDelegate(this);
+    // Named by its placeholder also while editing, when the placeholder is hidden.
+    ViewSupport::setAccessibilityLabel(m_replyTextView, kPlaceholder);
     m_replyTextView->setContentOffset(QPointF(0, 0));
     view()->addSubview(m_replyTextView);
 
