@@ -6,6 +6,7 @@
 #include "HttpRequest.h"
 #include "LogCapture.h"
 #include "RecordingHttpServer.h"
+#include "RequestOrder.h"
 #include "ServiceConfig.h"
 
 #include <gtest/gtest.h>
@@ -196,4 +197,20 @@ TEST_F(TransportTest, FailuresLogOneLineAndNeverCallBack)
     EXPECT_EQ(refused.filter(QStringLiteral("error----:")).size(), 1) << refused.join(u'\n').toStdString();
     ASSERT_TRUE(waitUntil(allAnswered));
     EXPECT_TRUE(calls.isEmpty());
+}
+
+TEST_F(TransportTest, RequestsGoOutInTheOrderAskedForPostsIncluded)
+{
+    answerWith(forumanswer::withRData(QJsonObject{}));
+    const testsupport::RequestOrder order;
+    // Qt would start each GET at once and each POST only from the event loop.
+    HttpRequest::GetRepliesleTopicSuccessBlock(recorder(), {}, QStringLiteral("{}"));
+    HttpRequest::GetTopicDetailSuccessBlock(recorder(), {}, QStringLiteral("{}"));
+    HttpRequest::GetWriteTopicSuccessBlock(recorder(), {}, QStringLiteral("{}"));
+    HttpRequest::GetRepliesLogSuccessBlock(recorder(), {}, QStringLiteral("{}"));
+    EXPECT_EQ(HttpSessionManager::requestsInFlight(), 4);
+    ASSERT_TRUE(waitUntil(allAnswered));
+    EXPECT_EQ(order.paths(),
+              (QStringList{"/api/RepliesleTopic", "/api/TopicDetail", "/api/WriteTopic", "/api/RepliesLog"}));
+    EXPECT_EQ(calls.size(), 4);
 }

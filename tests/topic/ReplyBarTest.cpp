@@ -13,6 +13,7 @@
 #include "NoticeOverlay.h"
 #include "Reachability.h"
 #include "RecordingHttpServer.h"
+#include "RequestOrder.h"
 #include "ServiceConfig.h"
 #include "TextInputMode.h"
 #include "TextView.h"
@@ -287,20 +288,7 @@ TEST_F(ReplyBarTest, BannerRepliesSendTheScreensTidAndThePostersName)
     }
 }
 
-namespace {
-
-QList<QByteArray> sortedPaths(const QList<RecordingHttpServer::Request> &requests, qsizetype from, qsizetype count)
-{
-    QList<QByteArray> paths;
-    for (qsizetype i = from; i < from + count && i < requests.size(); ++i)
-        paths.append(requests.at(i).path());
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
-
-} // namespace
-
-TEST_F(ReplyBarTest, ASendPutsTheReplyAndItsReloadOnTheWireBeforeTheRefreshHeadersReload)
+TEST_F(ReplyBarTest, ASendPutsTheReplyThenItsReloadOnTheWireAndTheRefreshHeadersReloadLast)
 {
     RecordingHttpServer recorder;
     ASSERT_TRUE(recorder.listen());
@@ -319,22 +307,25 @@ TEST_F(ReplyBarTest, ASendPutsTheReplyAndItsReloadOnTheWireBeforeTheRefreshHeade
     ASSERT_TRUE(waitUntilLoaded(screen));
     screen->textlabelAction();
     type(screen->replyTextView(), QStringLiteral("顺序"));
+    const testsupport::RequestOrder order;
+    const QStringList &sent = order.paths();
     recorder.clear();
     recorder.hold();
 
     screen->handleAction();
-    // The reply and the second load go out at once; the refresh header's load only after its
-    // slide-in, behind them.
+    // The reply, then the second load, go out at once; the refresh header's load only after
+    // its slide-in, behind them.
     ASSERT_TRUE(testsupport::waitUntil([&] { return recorder.requests().size() >= 3; }));
-    EXPECT_EQ(sortedPaths(recorder.requests(), 0, 3),
-              (QList<QByteArray>{"/api/RepliesLog", "/api/RepliesleTopic", "/api/TopicDetail"}));
+    EXPECT_EQ(sent, (QStringList{"/api/RepliesleTopic", "/api/TopicDetail", "/api/RepliesLog"}));
     ASSERT_TRUE(testsupport::waitUntil([&] { return recorder.requests().size() >= 5; }));
-    EXPECT_EQ(sortedPaths(recorder.requests(), 3, 2), (QList<QByteArray>{"/api/RepliesLog", "/api/TopicDetail"}));
+    EXPECT_EQ(sent, (QStringList{"/api/RepliesleTopic", "/api/TopicDetail", "/api/RepliesLog", "/api/TopicDetail",
+                                 "/api/RepliesLog"}));
 
     // The answer to the reply starts no load of its own.
     recorder.release();
     ASSERT_TRUE(testsupport::waitUntil([&] { return screen->hu() && screen->hu()->labelText() == QStringLiteral("回复成功"); }));
     ASSERT_TRUE(waitUntilLoaded(screen));
     QTest::qWait(RefreshControl::kSlideInMs + 100);
+    EXPECT_EQ(sent.size(), 5);
     EXPECT_EQ(recorder.requests().size(), 5);
 }

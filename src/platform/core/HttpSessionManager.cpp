@@ -7,6 +7,8 @@
 #include <QNetworkRequest>
 
 #include <algorithm>
+#include <deque>
+#include <functional>
 
 namespace {
 
@@ -21,6 +23,22 @@ QByteArray escapeFormValue(const QString &value)
 }
 
 int g_inFlight = 0;
+
+// Qt starts a request that carries a body (a POST) from the event loop, but one without (a
+// GET) at once, so a GET asked for right after a POST would go out before it. While a body
+// waits to start, later requests wait in line behind it: requests go out in the order asked.
+bool g_bodyWaitingToStart = false;
+std::deque<std::function<void()>> g_waitingRequests;
+
+void sendWaitingRequests()
+{
+    g_bodyWaitingToStart = false;
+    while (!g_bodyWaitingToStart && !g_waitingRequests.empty()) {
+        const std::function<void()> send = std::move(g_waitingRequests.front());
+        g_waitingRequests.pop_front();
+        send();
+    }
+}
 
 HttpTask taskFor(const QNetworkReply *reply, const QByteArray &method)
 {
@@ -101,17 +119,33 @@ void HttpSessionManager::start(const QByteArray &method, const QString &url,
         target += (target.contains('?') ? '&' : '?') + form;
 
     QNetworkRequest request(QUrl::fromEncoded(target, QUrl::TolerantMode));
+    ++g_inFlight;
+    auto sendNow = [request, method, form, serializer = JsonResponseSerializer(m_acceptableContentTypes),
+                    success = std::move(success), failure = std::move(failure)]() mutable {
+        HttpSessionManager::send(request, method, form, serializer, std::move(success), std::move(failure));
+    };
+    if (g_bodyWaitingToStart)
+        g_waitingRequests.push_back(std::move(sendNow));
+    else
+        sendNow();
+}
+
+void HttpSessionManager::send(QNetworkRequest request, const QByteArray &method, const QByteArray &form,
+                              const JsonResponseSerializer &serializer, SuccessBlock success,
+                              FailureBlock failure)
+{
     QNetworkReply *reply = nullptr;
     if (method == "POST") {
         request.setHeader(QNetworkRequest::ContentTypeHeader,
                           QByteArrayLiteral("application/x-www-form-urlencoded"));
         reply = network().post(request, form);
+        // Queued behind the start Qt just queued for the body.
+        g_bodyWaitingToStart = true;
+        QMetaObject::invokeMethod(&network(), &sendWaitingRequests, Qt::QueuedConnection);
     } else {
         reply = network().get(request);
     }
 
-    ++g_inFlight;
-    const JsonResponseSerializer serializer(m_acceptableContentTypes);
     QObject::connect(reply, &QNetworkReply::finished, reply,
                      [reply, method, serializer, success = std::move(success),
                       failure = std::move(failure)] {

@@ -3,7 +3,8 @@
 // a JSON response serializer with acceptable status codes (200-299) and content types,
 // and completion handlers called on the main thread. Main thread: create and call it there.
 //
-// URLs are sent exactly as given: a literal "+" in a query stays "+" on the wire.
+// URLs are sent exactly as given: a literal "+" in a query stays "+" on the wire. Requests
+// go out in the order they are asked for, POSTs included.
 
 #include "HttpTask.h"
 
@@ -14,7 +15,9 @@
 
 #include <functional>
 
+class JsonResponseSerializer;
 class QNetworkAccessManager;
+class QNetworkRequest;
 
 class HttpSessionManager
 {
@@ -49,6 +52,8 @@ public:
 private:
     void start(const QByteArray &method, const QString &url, const QVariant &parameters,
                SuccessBlock success, FailureBlock failure) const;
+    static void send(QNetworkRequest request, const QByteArray &method, const QByteArray &form,
+                     const JsonResponseSerializer &serializer, SuccessBlock success, FailureBlock failure);
 
     QSet<QString> m_acceptableContentTypes;
 };
