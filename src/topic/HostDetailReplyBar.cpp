@@ -4,6 +4,7 @@
 #include "HostDetailViewController.h"
 
 #include "Button.h"
+#include "ConnectionCheck.h"
 #include "Fonts.h"
 #include "ForumPayloads.h"
 #include "HttpRequest.h"
@@ -13,7 +14,6 @@
 #include "MainScreen.h"
 #include "NoticeOverlay.h"
 #include "PostOutcome.h"
-#include "Reachability.h"
 #include "RefreshHeader.h"
 #include "TableView.h"
 #include "TextInputMode.h"
@@ -29,9 +29,6 @@ namespace {
 
 const QString kPlaceholder = QStringLiteral("来一条高能回帖");
 const QString kOfflineNotice = QStringLiteral("网络连接失败");
-const QString kEmojiLanguage = QStringLiteral("emoji");
-// Any well-known public host serves; only the platform's reachability is read.
-const QString kReachabilityHost = QStringLiteral("www.debian.org");
 
 // The bar's frames, in points; "above" counts up from the bottom of the screen.
 constexpr int kReplyFont = 14;
@@ -121,7 +118,7 @@ void HostDetailViewController::textViewDidBeginEditing(TextView *)
 bool HostDetailViewController::shouldChangeTextInRange(TextView *textView, const Range &range, const QString &text)
 {
     // The emoji keyboard can change nothing, deletions included.
-    if (TextInputMode::currentInputMode().primaryLanguage() == kEmojiLanguage)
+    if (TextInputMode::currentInputMode().isEmoji())
         return false;
     if (textView != m_replyTextView || text.isEmpty())
         return true;
@@ -176,8 +173,7 @@ void HostDetailViewController::keyboardWillHide(const KeyboardNotification &)
 
 bool HostDetailViewController::isConnectionAvailable() const
 {
-    return Reachability::reachabilityWithHostName(kReachabilityHost).currentReachabilityStatus()
-           != Reachability::NotReachable;
+    return ConnectionCheck::isConnectionAvailable();
 }
 
 void HostDetailViewController::alterView()

@@ -17,6 +17,8 @@ public:
     static void selectSystemKeyboard();
 
     QString primaryLanguage() const { return m_primaryLanguage; }
+    // Whether this is the emoji keyboard, on which the app's text boxes refuse every change.
+    bool isEmoji() const { return m_primaryLanguage == u"emoji"; }
 
 private:
     explicit TextInputMode(QString primaryLanguage) : m_primaryLanguage(std::move(primaryLanguage)) {}
