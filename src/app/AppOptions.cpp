@@ -17,6 +17,8 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
                                      QStringLiteral("url"));
     const QCommandLineOption screen(QStringLiteral("screen"), QStringLiteral("Screen size in points (default 375x667)."),
                                     QStringLiteral("WxH"));
+    const QCommandLineOption board(QStringLiteral("board"), QStringLiteral("Open this board, as the home screen would."),
+                                   QStringLiteral("id"));
     const QCommandLineOption topic(QStringLiteral("topic"), QStringLiteral("Open this topic, as a board list would."),
                                    QStringLiteral("tid"));
     const QCommandLineOption section(QStringLiteral("section"), QStringLiteral("The topic's board."),
@@ -28,7 +30,7 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
     const QCommandLineOption draft(QStringLiteral("reply-draft"),
                                    QStringLiteral("Type this into the reply bar before the screenshot."),
                                    QStringLiteral("text"));
-    parser.addOptions({help, apiRoot, screen, topic, section, screenshot, draft});
+    parser.addOptions({help, apiRoot, screen, board, topic, section, screenshot, draft});
 
     *helpRequested = false;
     if (!parser.parse(arguments)) {
@@ -51,7 +53,14 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
             return std::nullopt;
         }
     }
-    if (parser.isSet(topic)) {
+    if (parser.isSet(board)) {
+        bool boardOk = false;
+        options.boardId = parser.value(board).toLongLong(&boardOk);
+        if (!boardOk) {
+            *error = QStringLiteral("--board takes a board id");
+            return std::nullopt;
+        }
+    } else if (parser.isSet(topic)) {
         bool topicOk = false;
         bool sectionOk = false;
         options.topicId = parser.value(topic).toLongLong(&topicOk);
@@ -61,7 +70,7 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
             return std::nullopt;
         }
     } else {
-        *error = QStringLiteral("Say which topic to open: --topic TID --section S");
+        *error = QStringLiteral("Say what to open: --board S, or --topic TID --section S");
         return std::nullopt;
     }
     options.screenshotPath = parser.value(screenshot);

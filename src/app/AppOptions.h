@@ -11,6 +11,7 @@ struct AppOptions
 {
     QString apiRoot;            // empty: the compiled-in or environment default
     QSize screenSize;
+    std::optional<qint64> boardId;   // open this board, as the home screen would
     std::optional<qint64> topicId;
     qint64 sectionId = 0;
     QString screenshotPath;     // empty: run normally

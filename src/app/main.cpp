@@ -1,7 +1,9 @@
-// quorvel: the forum client's window. Until the home and board screens exist, it opens the
-// topic named on the command line, as a board list would.
+// quorvel: the forum client's window. Until the home screen exists, it opens the board
+// (--board) or the topic (--topic) named on the command line, as the home screen or a board
+// list would.
 
 #include "AppOptions.h"
+#include "BoardLink.h"
 #include "Fonts.h"
 #include "HostDetailViewController.h"
 #include "MainScreen.h"
@@ -19,6 +21,7 @@
 namespace {
 
 constexpr int kExitUsage = 2;
+constexpr int kExitNotFound = 3;
 
 std::shared_ptr<HostDetailViewController> topicScreen(const AppOptions &options)
 {
@@ -53,14 +56,24 @@ int main(int argc, char **argv)
     MainScreen::setSize(options->screenSize);
 
     Window window(options->screenSize);
-    auto topic = topicScreen(*options);
-    window.setRootViewController(std::make_shared<NavigationController>(topic));
+    std::shared_ptr<HostDetailViewController> topic;
+    if (options->boardId) {
+        BoardLink::open(window, *options->boardId, [boardId = *options->boardId](bool opened) {
+            if (!opened) {
+                std::fprintf(stderr, "quorvel: no board %lld\n", static_cast<long long>(boardId));
+                QApplication::exit(kExitNotFound);
+            }
+        });
+    } else {
+        topic = topicScreen(*options);
+        window.setRootViewController(std::make_shared<NavigationController>(topic));
+    }
     window.makeKeyAndVisible();
 
     std::unique_ptr<ScreenshotTaker> screenshot;
     if (!options->screenshotPath.isEmpty()) {
         std::function<void()> typeDraft;
-        if (!options->replyDraft.isEmpty()) {
+        if (topic && !options->replyDraft.isEmpty()) {
             typeDraft = [topic, draft = options->replyDraft] {
                 topic->textlabelAction();
                 topic->replyTextView()->insertText(draft);

@@ -4,13 +4,13 @@
 // translucent bar lies over the screen's view; an opaque one pushes the view below it.
 // Main thread.
 
+#include "NavigationItem.h"
 #include "View.h"
 
 #include <QPointer>
 
 class Button;
 class Label;
-class NavigationItem;
 
 class NavigationBar : public View
 {
