@@ -47,3 +47,9 @@ void FirstCell::getModel(const PostModel &model)
 {
     label()->setText(FieldValue::displayText(model.title()));
 }
+
+void FirstCell::prepareForReuse()
+{
+    BoardCell::prepareForReuse();
+    image()->setImageNamed(BoardStyle::kPinnedBadge);
+}

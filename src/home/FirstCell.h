@@ -22,6 +22,11 @@ public:
     // Shows the topic's title; the badge stays as it is.
     void getModel(const PostModel &model);
 
+protected:
+    // A reused row starts pinned again: a guide badge left from its last row would
+    // otherwise show on a pinned one.
+    void prepareForReuse() override;
+
 private:
     ImageView *m_image = nullptr;
     Label *m_label = nullptr;

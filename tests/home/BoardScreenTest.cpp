@@ -93,6 +93,12 @@ TEST_F(BoardScreenTest, PinnedAndGuideTopicsFillTheFirstSectionsAndOtherTypesNon
     ASSERT_TRUE(pinned && guide);
     EXPECT_EQ(pinned->image()->imageName(), QStringLiteral("置顶"));
     EXPECT_EQ(guide->image()->imageName(), QStringLiteral("攻略"));
+    // Reloaded, the rows reuse each other's cells: the badges stay with their sections.
+    table->reloadData();
+    table->layoutIfNeeded();
+    EXPECT_EQ(static_cast<FirstCell *>(table->cellForRowAtIndexPath({0, 0}))->image()->imageName(), QStringLiteral("置顶"));
+    EXPECT_EQ(static_cast<FirstCell *>(table->cellForRowAtIndexPath({0, 1}))->image()->imageName(), QStringLiteral("置顶"));
+    EXPECT_EQ(static_cast<FirstCell *>(table->cellForRowAtIndexPath({1, 1}))->image()->imageName(), QStringLiteral("攻略"));
     EXPECT_EQ(table->rectForRowAtIndexPath({0, 1}).height(), 40);
     EXPECT_EQ(table->rectForRowAtIndexPath({1, 1}).height(), 40);
     // The header card and the 55-point footer.
