@@ -33,6 +33,12 @@ constexpr int kTopicTitleFontSize = 18;
 constexpr int kHeaderSide = 15;
 // A line of a dozen ideographs; a stray mark or a lone glyph has far less.
 constexpr int kMinTopicTitleInk = 500;
+// A board's header card fills the 185 points under the bar with its dark purple picture.
+constexpr int kBoardCardTop = 64;
+constexpr int kBoardCardHeight = 185;
+// A blank card has none; its lighter circles keep it from being all dark.
+constexpr int kMinBoardCardInk = 375 * 185 / 3;
+constexpr int kPublishItemWidth = 50;
 
 testsupport::ProgramResult runApp(const QStringList &arguments)
 {
@@ -110,6 +116,37 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     expectTitlesDrawn(smaller, 320);
 }
 
+TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
+{
+    LocalForumServer server;
+    ASSERT_TRUE(server.isRunning()) << server.errorString().toStdString();
+    QTemporaryDir dir;
+    const QString shot = dir.filePath(QStringLiteral("board.png"));
+    const testsupport::ProgramResult run =
+        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--board"),
+                QString::number(LocalForumServer::Demo::kBoardId), QStringLiteral("--screenshot"), shot});
+    ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+    const QImage picture(shot);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(picture.size() / picture.devicePixelRatio(), QSize(375, 667));
+    // The board's name in the bar with "发布" at its right end, and the header card's
+    // picture under the bar.
+    const Ink bar = inkInBand(picture, kBarTop, kBarHeight);
+    EXPECT_GE(bar.pixels, kMinBarTitleInk);
+    EXPECT_GE(bar.right, 375 - kPublishItemWidth);
+    const Ink card = inkInBand(picture, kBoardCardTop, kBoardCardHeight);
+    EXPECT_GE(card.pixels, kMinBoardCardInk);
+    const QString log = QString::fromUtf8(server.log());
+    EXPECT_EQ(log.count(QStringLiteral("/api/GetSection")), 1);
+    EXPECT_EQ(log.count(QStringLiteral("/api/GetTopTopic")), 1);
+    EXPECT_EQ(log.count(QStringLiteral("/api/GetTopics")), 1);
+
+    const testsupport::ProgramResult missing =
+        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--board"), QStringLiteral("99")});
+    EXPECT_EQ(missing.exitCode, 3);
+    EXPECT_TRUE(missing.errors.contains(QStringLiteral("no board 99")));
+}
+
 TEST(AppWindow, BadOptionsAreRefusedWithAReason)
 {
     const testsupport::ProgramResult noTopic = runApp({QStringLiteral("--screenshot"), QStringLiteral("/tmp/never.png")});
@@ -124,5 +161,8 @@ TEST(AppWindow, BadOptionsAreRefusedWithAReason)
     const testsupport::ProgramResult badTopic = runApp({QStringLiteral("--topic"), QStringLiteral("abc"), QStringLiteral("--section"),
                                  QStringLiteral("1")});
     EXPECT_EQ(badTopic.exitCode, 2);
+    const testsupport::ProgramResult badBoard = runApp({QStringLiteral("--board"), QStringLiteral("abc")});
+    EXPECT_EQ(badBoard.exitCode, 2);
+    EXPECT_TRUE(badBoard.errors.contains(QStringLiteral("--board")));
     EXPECT_EQ(runApp({QStringLiteral("--help")}).exitCode, 0);
 }
