@@ -38,7 +38,7 @@ QList<qint64> sortedTids(const QList<PostModel> &topics)
 class BoardScreenTest : public ForumServerSuite
 {
 protected:
-    std::shared_ptr<DetailViewController> openBoard(int section = Demo::kBoardId)
+    std::shared_ptr<DetailViewController> openBoard(int section = Demo::kBoardId, Window *in = nullptr)
     {
         auto screen = std::make_shared<DetailViewController>();
         screen->model.setValueForKey(section, u"sectionid");
@@ -46,8 +46,9 @@ protected:
         screen->model.setValueForKey(QString::fromUtf8(Demo::kBoardName), u"sectionname");
         screen->userID = kWriterId;
         navigation = std::make_shared<NavigationController>(screen);
-        window.setRootViewController(navigation);
-        window.makeKeyAndVisible();
+        Window &shown = in ? *in : window;
+        shown.setRootViewController(navigation);
+        shown.makeKeyAndVisible();
         EXPECT_TRUE(waitUntilAnswered(screen));
         return screen;
     }
@@ -104,6 +105,20 @@ TEST_F(BoardScreenTest, PinnedAndGuideTopicsFillTheFirstSectionsAndOtherTypesNon
     // The header card and the 55-point footer.
     EXPECT_EQ(screen->V()->frame(), QRectF(0, 0, 375, 185));
     EXPECT_EQ(screen->titleView()->frame().height(), 55);
+}
+
+TEST_F(BoardScreenTest, OnASmallPhoneTheCardAndFooterTakeItsWidth)
+{
+    Window small(QSize(320, 568));
+    auto screen = openBoard(Demo::kBoardId, &small);
+    EXPECT_EQ(screen->V()->frame(), QRectF(0, 0, 320, 185));
+    EXPECT_EQ(screen->titleView()->frame().size(), QSizeF(320, 55));
+    // Loading made the bar opaque, so the view starts under it; the table keeps the frame
+    // it was given from the whole screen.
+    EXPECT_FALSE(navigation->navigationBar()->isTranslucent());
+    EXPECT_EQ(screen->view()->frame(), QRectF(0, 64, 320, 568 - 64));
+    EXPECT_EQ(screen->tableView()->frame(), QRectF(0, 0, 320, 568));
+    EXPECT_EQ(screen->tableView()->rectForRowAtIndexPath({0, 0}), QRectF(0, 185, 320, 40));
 }
 
 TEST_F(BoardScreenTest, PagesAppendPullingDownReplacesAndThereIsNoLastPage)
