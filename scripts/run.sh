@@ -40,15 +40,14 @@ echo
 "$cli" topics "$first_board"
 echo
 
-# The window: a topic with many replies, as the board list opens it. Without a display the
-# window is drawn offscreen and saved as a picture instead.
-topic=$((first_board * 1000 + 1))
+# The window: the first board, as the home screen opens it; from it a topic, the composer
+# and back. Without a display the window is drawn offscreen and saved as a picture instead.
 app="$build/src/app/quorvel"
 if [[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]]; then
-  echo "Opening topic $topic in the Quorvel window (close it to stop the server)."
-  "$app" --topic "$topic" --section "$first_board" "$@"
+  echo "Opening board $first_board in the Quorvel window (close it to stop the server)."
+  "$app" --board "$first_board" "$@"
 else
-  shot="$data/topic-$topic.png"
-  QT_QPA_PLATFORM=offscreen "$app" --topic "$topic" --section "$first_board" --screenshot "$shot" "$@" 2>/dev/null
-  echo "No display: the window for topic $topic was drawn offscreen to $shot"
+  shot="$data/board-$first_board.png"
+  QT_QPA_PLATFORM=offscreen "$app" --board "$first_board" --screenshot "$shot" "$@" 2>/dev/null
+  echo "No display: the window for board $first_board was drawn offscreen to $shot"
 fi
