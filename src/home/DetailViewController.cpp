@@ -161,12 +161,8 @@ void DetailViewController::handleRefresh()
 
 void DetailViewController::endRefresh()
 {
-    if (!hasViews())
-        return;
-    if (m_tableView->header())
-        m_tableView->header()->endRefreshing();
-    if (m_tableView->footer())
-        m_tableView->footer()->endRefreshing();
+    if (hasViews())
+        m_tableView->endRefreshing();
 }
 
 void DetailViewController::openComposer(bool asDelegate)

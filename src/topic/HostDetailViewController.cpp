@@ -175,12 +175,8 @@ void HostDetailViewController::replyRequst()
 
 void HostDetailViewController::endRefresh()
 {
-    if (!hasViews())
-        return;
-    if (m_tableView->header())
-        m_tableView->header()->endRefreshing();
-    if (m_tableView->footer())
-        m_tableView->footer()->endRefreshing();
+    if (hasViews())
+        m_tableView->endRefreshing();
 }
 
 int HostDetailViewController::numberOfSectionsInTableView(TableView *)

@@ -4,6 +4,7 @@
 
 #include "Button.h"
 #include "EventLoop.h"
+#include "ForumServerSuite.h"
 #include "KeyboardObserver.h"
 #include "LocalForumServer.h"
 #include "NavigationBar.h"
@@ -41,37 +42,18 @@ public:
     bool composerGoneWhenTold = false;
 };
 
-inline ListModel demoBoard()
-{
-    return ListModel::fromJson(QJsonObject{{QStringLiteral("sectionid"), Demo::kBoardId},
-                                           {QStringLiteral("tagid"), Demo::kBoardTagId}});
-}
+using testsupport::demoBoard;
 
 // A test suite sharing one forum server that takes posts without waiting time, with the
 // client pointed at it, the system keyboard and the network restored after each test.
-class ComposeSuite : public ::testing::Test
+class ComposeSuite : public testsupport::ForumServerSuite
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        s_server = new LocalForumServer({QStringLiteral("--post-interval"), QStringLiteral("0")});
-    }
-    static void TearDownTestSuite()
-    {
-        delete s_server;
-        s_server = nullptr;
-    }
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(s_server->isRunning()) << s_server->errorString().toStdString();
-        ServiceConfig::setApiRoot(s_server->apiRoot());
-    }
     void TearDown() override
     {
         TextInputMode::selectSystemKeyboard();
         Reachability::setForcedStatus(std::nullopt);
-        ServiceConfig::setApiRoot({});
+        ForumServerSuite::TearDown();
     }
 
     // Pushes a composer over an opener in `shown` and waits until it is on screen.
@@ -108,8 +90,6 @@ protected:
         composer->content()->setText(body);
     }
 
-    static inline LocalForumServer *s_server = nullptr;
-    Window window;
     std::shared_ptr<Opener> opener;
     std::shared_ptr<NavigationController> navigation;
 };

@@ -3,6 +3,7 @@
 // for them to load.
 
 #include "EventLoop.h"
+#include "ForumServerSuite.h"
 #include "LocalForumServer.h"
 #include "ServiceConfig.h"
 #include "FieldValue.h"
@@ -27,31 +28,8 @@ namespace topictest {
 // The user the helpers below write as.
 constexpr qint64 kWriterId = 7;
 
-// A test suite sharing one forum server (no waiting time between posts), with the client
-// pointed at it for each test and a fresh window.
-class ForumServerSuite : public ::testing::Test
-{
-protected:
-    static void SetUpTestSuite()
-    {
-        s_server = new LocalForumServer({QStringLiteral("--post-interval"), QStringLiteral("0")});
-    }
-    static void TearDownTestSuite()
-    {
-        delete s_server;
-        s_server = nullptr;
-    }
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(s_server->isRunning()) << s_server->errorString().toStdString();
-        ServiceConfig::setApiRoot(s_server->apiRoot());
-    }
-    void TearDown() override { ServiceConfig::setApiRoot({}); }
-
-    static inline LocalForumServer *s_server = nullptr;
-    Window window;
-};
+using testsupport::demoBoard;
+using testsupport::ForumServerSuite;
 
 // The screen has had its appearance, and every request it made has been answered.
 inline bool waitUntilLoaded(const std::shared_ptr<HostDetailViewController> &screen)
@@ -86,13 +64,6 @@ inline QString sectionHeaderText(const std::shared_ptr<HostDetailViewController>
     const std::unique_ptr<QWidget> header(screen->viewForHeaderInSection(screen->tableView(), section));
     const Label *label = header ? header->findChild<Label *>() : nullptr;
     return label ? label->text() : QString();
-}
-
-// The demo board that new topics go to, as the payloads take it.
-inline ListModel demoBoard()
-{
-    return ListModel::fromJson(QJsonObject{{QStringLiteral("sectionid"), LocalForumServer::Demo::kBoardId},
-                                           {QStringLiteral("tagid"), LocalForumServer::Demo::kBoardTagId}});
 }
 
 // Writes a topic on the demo board and returns its id (the newest topic of page 1).

@@ -253,6 +253,14 @@ void ScrollView::setFooter(RefreshFooter *footer)
     placeRefreshControls();
 }
 
+void ScrollView::endRefreshing()
+{
+    if (m_header)
+        m_header->endRefreshing();
+    if (m_footer)
+        m_footer->endRefreshing();
+}
+
 void ScrollView::releaseRefreshControl(RefreshControl *control)
 {
     // Its room goes with it. Deleted later: the replacing may come from the control's own signal.

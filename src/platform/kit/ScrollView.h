@@ -101,6 +101,8 @@ public:
     RefreshHeader *header() const { return m_header; }
     void setFooter(RefreshFooter *footer);
     RefreshFooter *footer() const { return m_footer; }
+    // Ends refreshing on whichever refresh controls the view has.
+    void endRefreshing();
     // Room kept for a refreshing header (top) or footer (bottom).
     void setRefreshInset(qreal top, qreal bottom);
     EdgeInsets insetWithoutRefresh() const;
