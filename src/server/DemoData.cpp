@@ -11,6 +11,10 @@ constexpr quint64 kSeed = 0x51u * 0x9E3779B97F4A7C15ull;
 constexpr qint64 kMinute = 60 * 1000;
 constexpr int kTypeFiveEvery = 7;  // every seventh ordinary topic is of type 5
 constexpr int kFirstOrdinary = 5;  // n of a board's first ordinary topic
+// The bulk board draws from its own generator, so the demo boards stay the same with it.
+constexpr quint64 kBulkSeed = 0xB0u * 0x9E3779B97F4A7C15ull;
+const char *const kBulkBoardName = "压力测试";
+const char *const kBulkBoardTag = "测试";
 
 // A small deterministic generator (splitmix64): the same forum on every machine.
 class DemoRandom
@@ -63,7 +67,7 @@ class Seeder
 public:
     explicit Seeder(ForumStore &store) : m_writer(store), m_random(kSeed) {}
 
-    void run()
+    void run(int bulkBoardTopics)
     {
         const qint64 base = baseTimeMs();
         for (const QString &name : DemoTexts::userNames())
@@ -72,6 +76,8 @@ public:
         for (int index = 0; index < DemoData::kBoardCount; ++index)
             addBoard(index + 1, boards.at(index), base);
         addBanners();
+        if (bulkBoardTopics > 0)
+            addBulkBoard(bulkBoardTopics, boards.first(), base);
         m_writer.commit();
     }
 
@@ -130,6 +136,24 @@ private:
         }
     }
 
+    // Titles and texts come from `texts`, the board's own name and tag from the constants.
+    void addBulkBoard(int topicCount, const DemoTexts::Board &texts, qint64 base)
+    {
+        const qint64 sectionid = DemoData::kBulkBoardId;
+        m_writer.addSection(sectionid, QString::fromUtf8(kBulkBoardName), QString::fromUtf8(kBulkBoardTag),
+                            DemoData::tagIdOf(sectionid));
+        DemoRandom random(kBulkSeed);
+        const qint64 first = base - topicCount * kMinute;
+        for (int n = 0; n < topicCount; ++n) {
+            const QString &term = random.pick(texts.terms);
+            const qint64 userid = m_users.at(random.below(int(m_users.size())));
+            m_writer.addTopic({DemoData::kBulkFirstTopicId + n, sectionid, userid, QString(),
+                               random.pick(texts.titleTemplates).arg(term), ordinaryContent(random, term), 0,
+                               first + n * kMinute, 0},
+                              false);
+        }
+    }
+
     void addBanners()
     {
         const BannerRow banners[DemoData::kBannerCount] = {
@@ -150,9 +174,9 @@ private:
 
 } // namespace
 
-void DemoData::seed(ForumStore &store)
+void DemoData::seed(ForumStore &store, int bulkBoardTopics)
 {
     if (store.isSeeded())
         return;
-    Seeder(store).run();
+    Seeder(store).run(bulkBoardTopics);
 }

@@ -23,10 +23,18 @@ constexpr int kNewestTopicReplies = 56;     // one of them highlighted
 constexpr int kBannerCount = 5;
 constexpr int kPromoPageCount = 2;
 
+// The optional bulk board (--bulk-board-topics), for load tests: the board after the demo
+// ones, holding only ordinary topics (type 0, no replies) with ids from kBulkFirstTopicId on,
+// oldest first, one minute apart.
+constexpr qint64 kBulkBoardId = kBoardCount + 1;
+constexpr qint64 kBulkFirstTopicId = 100001;
+constexpr int kMaxBulkBoardTopics = 1000000;
+
 constexpr qint64 tagIdOf(qint64 sectionid) { return 100 + sectionid; }
 constexpr qint64 topicIdOf(qint64 sectionid, int n) { return sectionid * 1000 + n; }
 
-// Fills an empty store; does nothing to one that was filled before.
-void seed(ForumStore &store);
+// Fills an empty store, with the bulk board when `bulkBoardTopics` is above 0; does nothing
+// to one that was filled before.
+void seed(ForumStore &store, int bulkBoardTopics = 0);
 
 } // namespace DemoData

@@ -1,5 +1,7 @@
 #include "ServerOptions.h"
 
+#include "DemoData.h"
+
 #include <QCommandLineParser>
 #include <QHostAddress>
 
@@ -63,7 +65,13 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         QStringLiteral("Longest topic or reply text in UTF-16 units (default %1).")
             .arg(options.maxContentLength),
         QStringLiteral("units"), QString::number(options.maxContentLength));
-    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent});
+    const QCommandLineOption bulkBoard(
+        QStringLiteral("bulk-board-topics"),
+        QStringLiteral("Seed a new database with one more board (id %1) holding this many ordinary "
+                       "topics, for load tests (default 0: none).")
+            .arg(DemoData::kBulkBoardId),
+        QStringLiteral("count"), QString::number(options.bulkBoardTopics));
+    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard});
 
     if (!parser.parse(arguments))
         return {std::nullopt, parser.errorText() + QLatin1Char('\n'), 2};
@@ -88,6 +96,7 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         {maxBody, 1024, 64 * 1024 * 1024, &options.maxBodyBytes},
         {maxTitle, 1, 10000, &options.maxTitleLength},
         {maxContent, 1, 1000000, &options.maxContentLength},
+        {bulkBoard, 0, DemoData::kMaxBulkBoardTopics, &options.bulkBoardTopics},
     };
     for (const Bounded &number : numbers) {
         const std::optional<int> value = boundedNumber(parser.value(number.option), number.minimum,

@@ -24,6 +24,7 @@ struct ServerOptions
     int maxBodyBytes = kDefaultMaxBodyBytes;
     int maxTitleLength = kDefaultMaxTitleLength;
     int maxContentLength = kDefaultMaxContentLength;
+    int bulkBoardTopics = 0;  // topics of the extra board seeded into a new database; 0 = none
 };
 
 // The outcome of reading the command line: options to run with, or text to print and the

@@ -37,7 +37,7 @@ int main(int argc, char **argv)
     }
     ForumStore store(*database);
     try {
-        DemoData::seed(store);
+        DemoData::seed(store, options.bulkBoardTopics);
     } catch (const StoreError &failure) {
         serverLog(QStringLiteral("cannot write the demo data: %1").arg(QString::fromStdString(failure.what())));
         return 1;
