@@ -35,6 +35,7 @@ endfunction()
 function(quorvel_add_benchmark)
   cmake_parse_arguments(B "" "NAME" "SOURCES;LIBS" ${ARGN})
   add_executable(${B_NAME} ${B_SOURCES})
+  target_include_directories(${B_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/bench/support)
   target_link_libraries(${B_NAME} PRIVATE benchmark::benchmark ${B_LIBS})
 endfunction()
 

@@ -11,6 +11,7 @@
 // view, the whole window painted into an offscreen image and the events the frame posted.
 // Reports median, p99 and worst of both, first against last 100 pulls, and the peak resident
 // memory (VmHWM). 1,000 pulls wait 250 ms each, so the run takes a little over four minutes.
+#include "BenchMeasures.h"
 #include "DetailViewController.h"
 #include "HttpSessionManager.h"
 #include "LocalForumServer.h"
@@ -27,7 +28,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
@@ -37,6 +37,10 @@
 #include <vector>
 
 namespace {
+
+using benchmeasures::Spread;
+using benchmeasures::spreadOf;
+using benchmeasures::statusMegabytes;
 
 constexpr int kPageSize = 10;  // the screen's GetTopics page size
 constexpr int kPages = 1000;
@@ -53,36 +57,6 @@ constexpr qreal kScrollStep = 600;
 constexpr int kOpenTimeoutMs = 20000;
 constexpr int kPageTimeoutMs = 10000;
 constexpr double kNanosPerMs = 1e6;
-
-// A field of /proc/self/status ("VmRSS", "VmHWM") in megabytes.
-double statusMegabytes(const QByteArray &field)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith(field + ':'))
-            return line.mid(field.size() + 1).trimmed().split(' ').value(0).toDouble() / 1024.0;
-    }
-    return 0;
-}
-
-// Median, p99 and worst of a set of times. Plain data; any thread.
-struct Spread
-{
-    double medianMs = 0;
-    double p99Ms = 0;
-    double worstMs = 0;
-    int count = 0;
-};
-
-Spread spreadOf(std::vector<double> ms)
-{
-    if (ms.empty())
-        return {};
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms[ms.size() * 99 / 100], ms.back(), int(ms.size())};
-}
 
 // Everything one run measured. Plain data; main thread.
 struct BoardRun

@@ -5,6 +5,7 @@
 // same row heights. Each frame moves the offset, lays out the rows now in view, paints the
 // whole view into an offscreen image and handles the events the frame posted. Reports median, p99 and worst frame, the
 // rise of peak resident memory of each half, and the kit-to-QListView ratios.
+#include "BenchMeasures.h"
 #include "Fonts.h"
 #include "Label.h"
 #include "TableView.h"
@@ -35,6 +36,10 @@
 
 namespace {
 
+using benchmeasures::Spread;
+using benchmeasures::spreadOf;
+using benchmeasures::statusMegabytes;
+
 constexpr int kRows = 100000;
 constexpr int kDistinctTexts = 64;
 constexpr qreal kScreenWidth = 375;
@@ -64,19 +69,6 @@ constexpr qreal kSeparatorThickness = 0.5;
 
 const QString kPhrase = QStringLiteral("今天更新以后角色的技能平衡有了明显变化，副本掉落也比以前合理，大家觉得新版本怎么样？");
 const QString kCellIdentifier = QStringLiteral("cell1");
-
-// A field of /proc/self/status ("VmRSS", "VmHWM") in megabytes.
-double statusMegabytes(const QByteArray &field)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith(field + ':'))
-            return line.mid(field.size() + 1).trimmed().split(' ').value(0).toDouble() / 1024.0;
-    }
-    return 0;
-}
 
 // Brings the resident high-water mark (VmHWM) down to the present resident size, so the
 // second half's peak is its own; false where the kernel does not allow it.
@@ -116,24 +108,16 @@ private:
     std::vector<int> m_textHeights;
 };
 
-struct FrameStats
-{
-    double medianMs = 0;
-    double p99Ms = 0;
-    double worstMs = 0;
-    int frames = 0;
-};
-
 struct HalfResult
 {
-    FrameStats frames;
+    Spread frames;
     qreal contentHeight = 0;
     double peakRiseMb = 0;
 };
 
 // One frame per `step` points from the top to `bottom`: scroll, paint the whole `view` into an
 // offscreen image, then handle what the frame posted (updates, deferred deletes).
-FrameStats scrollFrames(QWidget &view, qreal bottom, qreal step, const std::function<void(qreal)> &scrollTo,
+Spread scrollFrames(QWidget &view, qreal bottom, qreal step, const std::function<void(qreal)> &scrollTo,
                         const std::function<void()> &afterFrame)
 {
     QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
@@ -151,8 +135,7 @@ FrameStats scrollFrames(QWidget &view, qreal bottom, qreal step, const std::func
         if (y >= bottom)
             break;
     }
-    std::sort(frameMs.begin(), frameMs.end());
-    return {frameMs[frameMs.size() / 2], frameMs[frameMs.size() * 99 / 100], frameMs.back(), int(frameMs.size())};
+    return spreadOf(std::move(frameMs));
 }
 
 // Runs one half with the peak resident mark reset first; records how far the peak rose
@@ -218,7 +201,7 @@ HalfResult scrollKitTable(const ReplyTexts &replies, qreal step, int &mostLiveCe
     table->setDelegate(&source);
     window.show();
     table->reloadData();
-    const FrameStats frames = scrollFrames(
+    const Spread frames = scrollFrames(
         window, table->maximumContentOffset().y(), step,
         [table](qreal y) {
             table->setContentOffset(QPointF(0, y));
@@ -327,7 +310,7 @@ HalfResult scrollListView(const ReplyTexts &replies, qreal step)
     list.show();
     list.doItemsLayout();
     QScrollBar *scrollBar = list.verticalScrollBar();
-    const FrameStats frames = scrollFrames(
+    const Spread frames = scrollFrames(
         list, scrollBar->maximum(), step, [scrollBar](qreal y) { scrollBar->setValue(int(y)); }, [] {});
     return {frames, qreal(scrollBar->maximum() + list.viewport()->height()), 0};
 }
@@ -357,12 +340,12 @@ void BM_ScrollHundredThousandRows_KitVersusQListView(benchmark::State &state)
         int mostLiveCells = 0;
         const HalfResult kit = measureHalf([&] { return scrollKitTable(replies, step, mostLiveCells); });
         const HalfResult list = measureHalf([&] { return scrollListView(replies, step); });
-        if (kit.contentHeight != list.contentHeight || kit.frames.frames != list.frames.frames) {
+        if (kit.contentHeight != list.contentHeight || kit.frames.count != list.frames.count) {
             state.SkipWithError("the two views did not lay out the same rows");
             return;
         }
         g_comparisons.push_back({step, kit, list});
-        state.counters["frames"] = kit.frames.frames;
+        state.counters["frames"] = kit.frames.count;
         state.counters["live_cells_max"] = mostLiveCells;
         state.counters["kit_median_ms"] = kit.frames.medianMs;
         state.counters["kit_p99_ms"] = kit.frames.p99Ms;
@@ -387,7 +370,7 @@ void printComparisons()
                 "is how far the resident high-water mark (VmHWM, reset before each half) rose above the\n"
                 "resident size at the start of that half.\n");
     for (const Comparison &c : g_comparisons) {
-        std::printf("\n%d points a frame, %d frames each, content %.0f points\n", c.step, c.kit.frames.frames,
+        std::printf("\n%d points a frame, %d frames each, content %.0f points\n", c.step, c.kit.frames.count,
                     c.kit.contentHeight);
         std::printf("  %-12s %10s %10s %10s %14s\n", "", "median ms", "p99 ms", "worst ms", "peak rise MB");
         for (const auto &[name, half] : {std::pair{"kit", &c.kit}, std::pair{"QListView", &c.list}}) {
