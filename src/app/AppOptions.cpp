@@ -4,33 +4,55 @@
 #include "ServiceConfig.h"
 
 #include <QCommandLineParser>
+#include <QJsonDocument>
+#include <QJsonParseError>
+
+namespace {
+
+QCommandLineOption valueOption(const char *name, const QString &description, const char *valueName)
+{
+    return QCommandLineOption(QString::fromLatin1(name), description, QString::fromLatin1(valueName));
+}
+
+std::optional<qint64> idValue(const QString &text)
+{
+    bool ok = false;
+    const qint64 id = text.toLongLong(&ok);
+    return ok ? std::optional<qint64>(id) : std::nullopt;
+}
+
+} // namespace
 
 std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QString *error, bool *helpRequested)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Quorvel, the forum client."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Quorvel, the forum client. With no option it launches as on a phone: the home screen with "
+        "the banner and the boards."));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
-    const QCommandLineOption apiRoot(QStringLiteral("api-root"),
-                                     QStringLiteral("Forum API root (default %1, or $%2).")
-                                         .arg(QString::fromLatin1(ServiceConfig::kDefaultApiRoot),
-                                              QString::fromLatin1(ServiceConfig::kApiRootVariable)),
-                                     QStringLiteral("url"));
-    const QCommandLineOption screen(QStringLiteral("screen"), QStringLiteral("Screen size in points (default 375x667)."),
-                                    QStringLiteral("WxH"));
-    const QCommandLineOption board(QStringLiteral("board"), QStringLiteral("Open this board, as the home screen would."),
-                                   QStringLiteral("id"));
-    const QCommandLineOption topic(QStringLiteral("topic"), QStringLiteral("Open this topic, as a board list would."),
-                                   QStringLiteral("tid"));
-    const QCommandLineOption section(QStringLiteral("section"), QStringLiteral("The topic's board."),
-                                     QStringLiteral("id"));
-    const QCommandLineOption screenshot(QStringLiteral("screenshot"),
-                                        QStringLiteral("Save the window to this PNG once the screen has loaded, "
-                                                       "then quit."),
-                                        QStringLiteral("path"));
-    const QCommandLineOption draft(QStringLiteral("reply-draft"),
-                                   QStringLiteral("Type this into the reply bar before the screenshot."),
-                                   QStringLiteral("text"));
-    parser.addOptions({help, apiRoot, screen, board, topic, section, screenshot, draft});
+    const QCommandLineOption apiRoot = valueOption(
+        "api-root",
+        QStringLiteral("Forum API root (default %1, or $%2).")
+            .arg(QString::fromLatin1(ServiceConfig::kDefaultApiRoot), QString::fromLatin1(ServiceConfig::kApiRootVariable)),
+        "url");
+    const QCommandLineOption screen = valueOption("screen", QStringLiteral("Screen size in points (default 375x667)."), "WxH");
+    const QCommandLineOption board = valueOption("board", QStringLiteral("Open this board from the home screen's list."), "id");
+    const QCommandLineOption topic = valueOption("topic", QStringLiteral("Open this topic, as a board list would."), "tid");
+    const QCommandLineOption section = valueOption("section", QStringLiteral("The topic's board."), "id");
+    const QCommandLineOption screenshot = valueOption(
+        "screenshot", QStringLiteral("Save the window to this PNG once the screen reached has loaded, then quit."), "path");
+    const QCommandLineOption draft =
+        valueOption("reply-draft", QStringLiteral("Type this into the reply bar before the screenshot."), "text");
+    const QCommandLineOption notification = valueOption(
+        "notification",
+        QStringLiteral("Once the home screen has loaded, receive this user info (a JSON object) as a notification."),
+        "json");
+    const QCommandLineOption tour = valueOption(
+        "tour",
+        QStringLiteral("Walk the app as a person would, saving one picture per step in this folder; exit 0 when "
+                       "every step was reached, 1 naming the step that was not."),
+        "folder");
+    parser.addOptions({help, apiRoot, screen, board, topic, section, screenshot, draft, notification, tour});
 
     *helpRequested = false;
     if (!parser.parse(arguments)) {
@@ -40,6 +62,10 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
     if (parser.isSet(help)) {
         *helpRequested = true;
         *error = parser.helpText();
+        return std::nullopt;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        *error = QStringLiteral("unexpected argument: %1").arg(parser.positionalArguments().first());
         return std::nullopt;
     }
 
@@ -53,24 +79,38 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
             return std::nullopt;
         }
     }
+    const int destinations = int(parser.isSet(board)) + int(parser.isSet(topic)) + int(parser.isSet(tour));
+    if (destinations > 1) {
+        *error = QStringLiteral("--board, --topic and --tour go one at a time");
+        return std::nullopt;
+    }
     if (parser.isSet(board)) {
-        bool boardOk = false;
-        options.boardId = parser.value(board).toLongLong(&boardOk);
-        if (!boardOk) {
+        options.boardId = idValue(parser.value(board));
+        if (!options.boardId) {
             *error = QStringLiteral("--board takes a board id");
             return std::nullopt;
         }
     } else if (parser.isSet(topic)) {
-        bool topicOk = false;
-        bool sectionOk = false;
-        options.topicId = parser.value(topic).toLongLong(&topicOk);
-        options.sectionId = parser.value(section).toLongLong(&sectionOk);
-        if (!topicOk || !sectionOk) {
+        options.topicId = idValue(parser.value(topic));
+        const std::optional<qint64> sectionId = idValue(parser.value(section));
+        if (!options.topicId || !sectionId) {
             *error = QStringLiteral("--topic takes a topic id and needs --section with the board id");
             return std::nullopt;
         }
-    } else {
-        *error = QStringLiteral("Say what to open: --board S, or --topic TID --section S");
+        options.sectionId = *sectionId;
+    }
+    if (parser.isSet(notification)) {
+        QJsonParseError problem{};
+        const QJsonDocument document = QJsonDocument::fromJson(parser.value(notification).toUtf8(), &problem);
+        if (!document.isObject()) {
+            *error = QStringLiteral("--notification takes a JSON object, such as {\"key1\":\"{\\\"data\\\":{...}}\"}");
+            return std::nullopt;
+        }
+        options.notification = document.object();
+    }
+    options.tourFolder = parser.value(tour);
+    if (parser.isSet(tour) && options.tourFolder.isEmpty()) {
+        *error = QStringLiteral("--tour takes a folder");
         return std::nullopt;
     }
     options.screenshotPath = parser.value(screenshot);

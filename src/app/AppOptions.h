@@ -1,6 +1,7 @@
 #pragma once
 // The client's command line. Main thread.
 
+#include <QJsonObject>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -11,11 +12,13 @@ struct AppOptions
 {
     QString apiRoot;            // empty: the compiled-in or environment default
     QSize screenSize;
-    std::optional<qint64> boardId;   // open this board, as the home screen would
-    std::optional<qint64> topicId;
+    std::optional<qint64> boardId;   // open this board from the home screen's list
+    std::optional<qint64> topicId;   // open this topic over the home screen, as a board list would
     qint64 sectionId = 0;
     QString screenshotPath;     // empty: run normally
     QString replyDraft;         // typed into the reply bar before the screenshot
+    std::optional<QJsonObject> notification; // delivered as a received notification once home has loaded
+    QString tourFolder;         // walk the app, saving a picture per step here, then quit
 
     // Parses `arguments` (argv); on a usage error returns nothing and fills `error`, which
     // for --help holds the help text and `helpRequested` is set.

@@ -1,36 +1,24 @@
-// quorvel: the forum client's window. Until the home screen exists, it opens the board
-// (--board) or the topic (--topic) named on the command line, as the home screen or a board
-// list would.
+// quorvel: the forum client. Launches as on a phone (home screen, banner, boards); options can
+// open a board or a topic, receive a notification, save a picture, or tour the whole app.
 
+#include "AppDelegate.h"
 #include "AppOptions.h"
-#include "BoardLink.h"
+#include "Application.h"
 #include "Fonts.h"
-#include "HostDetailViewController.h"
+#include "LaunchScript.h"
 #include "MainScreen.h"
-#include "NavigationController.h"
-#include "ScreenshotTaker.h"
 #include "ServiceConfig.h"
-#include "TextView.h"
-#include "UserIdStore.h"
-#include "Window.h"
+#include "Tour.h"
+#include "WebEngineSetup.h"
 
 #include <QApplication>
+#include <QTimer>
 
 #include <cstdio>
 
 namespace {
 
 constexpr int kExitUsage = 2;
-constexpr int kExitNotFound = 3;
-
-std::shared_ptr<HostDetailViewController> topicScreen(const AppOptions &options)
-{
-    auto screen = std::make_shared<HostDetailViewController>();
-    screen->model.setValueForKey(options.sectionId, u"sectionid");
-    screen->postModel.setValueForKey(*options.topicId, u"tid");
-    screen->userID = UserIdStore().userId();
-    return screen;
-}
 
 } // namespace
 
@@ -40,8 +28,10 @@ int main(int argc, char **argv)
         && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    WebEngineSetup::prepareProcess();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("quorvel"));
+    QApplication::setApplicationVersion(QStringLiteral(QUORVEL_VERSION));
     QApplication::setFont(Fonts::systemFontOfSize(Fonts::kLabelDefaultSize));
 
     QString problem;
@@ -55,32 +45,16 @@ int main(int argc, char **argv)
         ServiceConfig::setApiRoot(options->apiRoot);
     MainScreen::setSize(options->screenSize);
 
-    Window window(options->screenSize);
-    std::shared_ptr<HostDetailViewController> topic;
-    if (options->boardId) {
-        BoardLink::open(window, *options->boardId, [boardId = *options->boardId](bool opened) {
-            if (!opened) {
-                std::fprintf(stderr, "quorvel: no board %lld\n", static_cast<long long>(boardId));
-                QApplication::exit(kExitNotFound);
-            }
-        });
-    } else {
-        topic = topicScreen(*options);
-        window.setRootViewController(std::make_shared<NavigationController>(topic));
-    }
-    window.makeKeyAndVisible();
+    AppDelegate delegate(options->screenSize);
+    Application::shared().setDelegate(&delegate);
+    Application::shared().launch();
 
-    std::unique_ptr<ScreenshotTaker> screenshot;
-    if (!options->screenshotPath.isEmpty()) {
-        std::function<void()> typeDraft;
-        if (topic && !options->replyDraft.isEmpty()) {
-            typeDraft = [topic, draft = options->replyDraft] {
-                topic->textlabelAction();
-                topic->replyTextView()->insertText(draft);
-            };
-        }
-        screenshot = std::make_unique<ScreenshotTaker>(&window, options->screenshotPath, typeDraft);
-        screenshot->start();
+    LaunchScript script(delegate, *options);
+    script.start();
+    if (!options->tourFolder.isEmpty()) {
+        QTimer::singleShot(0, &app, [&delegate, folder = options->tourFolder] {
+            QApplication::exit(Tour(delegate, folder).run());
+        });
     }
     return app.exec();
 }

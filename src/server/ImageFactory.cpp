@@ -6,14 +6,12 @@
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
-#include <QPainterPath>
 
 namespace {
 
 constexpr QSize kIconSize(120, 120);
 constexpr QSize kHeaderSize(750, 370);
 constexpr QSize kBannerSize(750, 390);
-constexpr int kIconCornerRadius = 24;
 const char *const kFontFamily = "Noto Sans CJK SC";
 
 // Light and deep tone of each picture's colour theme.
@@ -100,16 +98,8 @@ QByteArray ImageFactory::cached(const QString &key, const std::function<QByteArr
 QByteArray ImageFactory::sectionIcon(qint64 sectionid, const QString &caption)
 {
     return cached(QStringLiteral("icon/%1").arg(sectionid), [&] {
-        QImage image(kIconSize, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        {
-            QPainter painter(&image);
-            painter.setRenderHint(QPainter::Antialiasing);
-            QPainterPath rounded;
-            rounded.addRoundedRect(QRectF(image.rect()), kIconCornerRadius, kIconCornerRadius);
-            painter.setClipPath(rounded);
-            painter.drawImage(0, 0, gradientCanvas(kIconSize, sectionid));
-        }
+        // Square: the screens round the corners themselves, each with its own radius.
+        QImage image = gradientCanvas(kIconSize, sectionid);
         drawCaption(image, caption.left(1), kIconSize.height() / 2, Qt::AlignCenter, image.rect());
         return png(image);
     });

@@ -315,6 +315,8 @@ void ScrollView::animateOffset(const QPointF &target, int durationMs, bool decel
     connect(m_animation, &QVariantAnimation::valueChanged, this,
             [this](const QVariant &value) { applyOffset(value.toPointF()); });
     connect(m_animation, &QVariantAnimation::finished, this, [this, decelerating] {
+        // Over by now: the delegate sees a scroll view at rest and may start a new animation.
+        m_animation = nullptr;
         if (!m_delegate)
             return;
         if (decelerating)

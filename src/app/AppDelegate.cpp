@@ -1,0 +1,91 @@
+#include "AppDelegate.h"
+
+#include "FieldValue.h"
+#include "ForumLog.h"
+#include "HomeViewController.h"
+#include "HostDetailViewController.h"
+#include "ImageView.h"
+#include "JsonChangDic.h"
+#include "LFAnalytics.h"
+#include "NavigationController.h"
+#include "UserDefaults.h"
+#include "UserIdStore.h"
+#include "Window.h"
+
+#include <QCoreApplication>
+#include <QJsonObject>
+#include <QThread>
+
+namespace {
+
+const QString kLaunchImageName = QStringLiteral("LaunchImage");
+
+} // namespace
+
+AppDelegate::AppDelegate(const QSize &screenSize, int launchHoldMs)
+    : m_screenSize(screenSize), m_launchHoldMs(launchHoldMs)
+{
+}
+
+AppDelegate::~AppDelegate() = default;
+
+bool AppDelegate::didFinishLaunchingWithOptions(const LaunchOptions &options)
+{
+    Q_UNUSED(options)
+    m_window = std::make_unique<Window>(m_screenSize);
+    holdLaunchPicture();
+
+    m_window->setRootViewController(std::make_shared<NavigationController>(std::make_shared<Home::ViewController>()));
+    m_window->makeKeyAndVisible();
+
+    LFAnalytics::setAppVersion(QCoreApplication::applicationVersion());
+    LFAnalytics::startWithAppkey(QString::fromLatin1(kAppKey), kReportPolicy, QString());
+    return true;
+}
+
+void AppDelegate::holdLaunchPicture()
+{
+    auto *picture = new ImageView(QRectF(QPointF(0, 0), QSizeF(m_screenSize)), m_window.get());
+    picture->setContentMode(ContentMode::ScaleToFill);
+    picture->setImageNamed(kLaunchImageName);
+    m_window->show();
+    // Drawn before the main thread sleeps, so the picture is what shows meanwhile.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    picture->repaint();
+    QThread::msleep(static_cast<unsigned long>(m_launchHoldMs));
+    picture->deleteLater();
+}
+
+void AppDelegate::didReceiveRemoteNotification(const QJsonObject &userInfo)
+{
+    jsonDic = JsonChangDic::dictionaryWithJsonString(FieldValue::optionalText(userInfo.value(QLatin1String(kPayloadKey))));
+    goToMessageViewController(jsonDic);
+    forumLog(QStringLiteral("推送内容 %1").arg(FieldValue::describe(userInfo)));
+}
+
+void AppDelegate::goToMessageViewController(const QJsonValue &payload)
+{
+    result = kNotificationResult;
+    const QJsonObject data = payload.toObject().value(QLatin1String("data")).toObject();
+    UserDefaults &defaults = UserDefaults::standardUserDefaults();
+    number = UserIdStore(defaults).userId();
+
+    PostModel topic;
+    topic.setValueForKey(data.value(QLatin1String("topicid")), u"tid");
+    topic.setValueForKey(data.value(QLatin1String("username")), u"username");
+    topic.setValueForKey(data.value(QLatin1String("content")), u"topiccontent");
+    topic.setValueForKey(data.value(QLatin1String("title")), u"title");
+    ListModel board;
+    board.setValueForKey(data.value(QLatin1String("sectionid")), u"sectionid");
+
+    defaults.setObject(QString::fromLatin1(kPushKey), QString::fromLatin1(kPushKey));
+    defaults.synchronize();
+
+    auto screen = std::make_shared<HostDetailViewController>();
+    screen->postModel = topic;
+    screen->model = board;
+    screen->userID = number;
+    screen->result = result;
+    if (m_window && m_window->rootViewController())
+        m_window->rootViewController()->presentViewController(std::make_shared<NavigationController>(screen), true);
+}
