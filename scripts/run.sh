@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything, starts the local forum server with its demo data, and shows the forum
-# through the client. Options are passed on to the client window when there is one.
+# Builds everything, starts the local forum server with its demo data, and opens the app on it.
+# Options are passed on to the app (quorvel --help lists them).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/build.sh"
@@ -29,25 +29,23 @@ export QUORVEL_API_ROOT="$api_root"
 echo "Local forum server with demo data at $api_root (log: $server_log)"
 echo
 
-cli="$build/src/tools/cli/quorvel-cli"
-"$cli" ads
-echo
-"$cli" boards
-echo
-first_board=$("$cli" boards --json | grep -m1 '"sectionid"' | grep -o '[0-9]\+')
-"$cli" top "$first_board"
-echo
-"$cli" topics "$first_board"
-echo
-
-# The window: the first board, as the home screen opens it; from it a topic, the composer
-# and back. Without a display the window is drawn offscreen and saved as a picture instead.
+# The app, as a person launches it: the home screen with the banner and the boards. Without a
+# display it tours every screen headless instead and saves a picture of each.
 app="$build/src/app/quorvel"
 if [[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]]; then
-  echo "Opening board $first_board in the Quorvel window (close it to stop the server)."
-  "$app" --board "$first_board" "$@"
+  echo "Opening Quorvel (close its window to stop the server)."
+  "$app" "$@"
 else
-  shot="$data/board-$first_board.png"
-  QT_QPA_PLATFORM=offscreen "$app" --board "$first_board" --screenshot "$shot" "$@" 2>/dev/null
-  echo "No display: the window for board $first_board was drawn offscreen to $shot"
+  tour="$data/tour"
+  echo "No display: touring the app headless, one picture per screen, into $tour ..."
+  if QT_QPA_PLATFORM=offscreen "$app" --tour "$tour" "$@" 2>"$data/tour.log"; then
+    ls "$tour"/*.png
+  else
+    echo "The tour stopped early:" >&2
+    grep '^tour:' "$data/tour.log" >&2 || tail -n 20 "$data/tour.log" >&2
+    exit 1
+  fi
+  echo
+  echo "To see the window itself, run this on a display, or under a virtual one:"
+  echo "  xvfb-run -s '-screen 0 800x900x24' scripts/run.sh"
 fi

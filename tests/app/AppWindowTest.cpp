@@ -25,6 +25,8 @@ constexpr int kBarTitleInkWidth = 33;
 constexpr int kInkWidthSlack = 3;
 constexpr double kCentringSlack = 2;
 constexpr int kMinBarTitleInk = 150;
+// The back button ("‹ Quorvel") and the right item stay within this much of either side.
+constexpr int kBarSideItemWidth = 100;
 // The first line of the topic's title: 18-pixel text 20 points below the bar and 15 in from
 // the side; its first glyph starts inking within one glyph of that margin.
 constexpr int kTopicTitleTop = 84;
@@ -39,6 +41,12 @@ constexpr int kBoardCardHeight = 185;
 // A blank card has none; its lighter circles keep it from being all dark.
 constexpr int kMinBoardCardInk = 375 * 185 / 3;
 constexpr int kPublishItemWidth = 50;
+// A bar item ("返回", a back title or a screen title) has well over this much ink; so has any
+// loaded screen below the bar.
+constexpr int kMinBarItemInk = 100;
+constexpr int kMinContentInk = 1000;
+// The tour's own step limit is 15 s; publishing may wait for the server's posting interval.
+constexpr int kTourLimitMs = 150000;
 
 testsupport::ProgramResult runApp(const QStringList &arguments)
 {
@@ -53,13 +61,14 @@ struct Ink
     int right = -1;
 };
 
-// The ink in a full-width band of rows of the picture (in points).
-Ink inkInBand(const QImage &picture, int top, int height)
+// The ink in a band of rows of the picture (in points), across the whole width or, when given,
+// only between the side margins (where the bar's side items stand).
+Ink inkInBand(const QImage &picture, int top, int height, int sideMargin = 0)
 {
     const qreal scale = picture.devicePixelRatio();
     Ink ink;
     for (int y = int(top * scale); y < int((top + height) * scale); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
+        for (int x = int(sideMargin * scale); x < picture.width() - int(sideMargin * scale); ++x) {
             if (qGray(picture.pixel(x, y)) >= kInkGrey)
                 continue;
             ++ink.pixels;
@@ -75,7 +84,7 @@ Ink inkInBand(const QImage &picture, int top, int height)
 // render fails.
 void expectTitlesDrawn(const QImage &picture, int screenWidth)
 {
-    const Ink bar = inkInBand(picture, kBarTop, kBarHeight);
+    const Ink bar = inkInBand(picture, kBarTop, kBarHeight, kBarSideItemWidth);
     EXPECT_GE(bar.pixels, kMinBarTitleInk) << screenWidth;
     EXPECT_NEAR((bar.left + bar.right) / 2.0, screenWidth / 2.0, kCentringSlack) << screenWidth;
     EXPECT_NEAR(bar.right - bar.left + 1, kBarTitleInkWidth, kInkWidthSlack) << screenWidth;
@@ -137,7 +146,9 @@ TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
     const Ink card = inkInBand(picture, kBoardCardTop, kBoardCardHeight);
     EXPECT_GE(card.pixels, kMinBoardCardInk);
     const QString log = QString::fromUtf8(server.log());
-    EXPECT_EQ(log.count(QStringLiteral("/api/GetSection")), 1);
+    // Home asked for the boards three times on the way (its load, its appearance, its header).
+    EXPECT_EQ(log.count(QStringLiteral("/api/GetAdRecom")), 1);
+    EXPECT_EQ(log.count(QStringLiteral("/api/GetSection")), 3);
     EXPECT_EQ(log.count(QStringLiteral("/api/GetTopTopic")), 1);
     EXPECT_EQ(log.count(QStringLiteral("/api/GetTopics")), 1);
 
@@ -149,9 +160,16 @@ TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
 
 TEST(AppWindow, BadOptionsAreRefusedWithAReason)
 {
-    const testsupport::ProgramResult noTopic = runApp({QStringLiteral("--screenshot"), QStringLiteral("/tmp/never.png")});
-    EXPECT_EQ(noTopic.exitCode, 2);
-    EXPECT_TRUE(noTopic.errors.contains(QStringLiteral("--topic")));
+    const testsupport::ProgramResult noSection = runApp({QStringLiteral("--topic"), QStringLiteral("1")});
+    EXPECT_EQ(noSection.exitCode, 2);
+    EXPECT_TRUE(noSection.errors.contains(QStringLiteral("--section")));
+    const testsupport::ProgramResult twoPlaces =
+        runApp({QStringLiteral("--board"), QStringLiteral("1"), QStringLiteral("--tour"), QStringLiteral("/tmp/never")});
+    EXPECT_EQ(twoPlaces.exitCode, 2);
+    EXPECT_TRUE(twoPlaces.errors.contains(QStringLiteral("one at a time")));
+    const testsupport::ProgramResult badNotification = runApp({QStringLiteral("--notification"), QStringLiteral("[1]")});
+    EXPECT_EQ(badNotification.exitCode, 2);
+    EXPECT_TRUE(badNotification.errors.contains(QStringLiteral("--notification")));
 
     const testsupport::ProgramResult badScreen = runApp({QStringLiteral("--screen"), QStringLiteral("wide"), QStringLiteral("--topic"),
                                   QStringLiteral("1"), QStringLiteral("--section"), QStringLiteral("1")});
@@ -165,4 +183,39 @@ TEST(AppWindow, BadOptionsAreRefusedWithAReason)
     EXPECT_EQ(badBoard.exitCode, 2);
     EXPECT_TRUE(badBoard.errors.contains(QStringLiteral("--board")));
     EXPECT_EQ(runApp({QStringLiteral("--help")}).exitCode, 0);
+}
+
+TEST(AppWindow, TheTourReachesEveryScreenThroughTapsAndTyping)
+{
+    // The server as the run command starts it: posts too close together are refused, and the
+    // tour writes its topic again, as a person would.
+    LocalForumServer server;
+    ASSERT_TRUE(server.isRunning()) << server.errorString().toStdString();
+    QTemporaryDir dir;
+    // A first launch on this server: no user id kept from another test's server, which this one
+    // would not know.
+    QTemporaryDir config;
+    const testsupport::ProgramResult run = testsupport::runProgram(
+        QStringLiteral(QUORVEL_APP_BINARY), {QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--tour"), dir.path()},
+        {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}, {QStringLiteral("XDG_CONFIG_HOME"), config.path()}},
+        kTourLimitMs);
+    ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
+
+    const QStringList steps{QStringLiteral("01-home"), QStringLiteral("02-board"), QStringLiteral("03-topic"),
+                            QStringLiteral("04-reply"), QStringLiteral("05-compose"),
+                            QStringLiteral("06-board-after-publish"), QStringLiteral("07-banner-topic"),
+                            QStringLiteral("08-web-page"), QStringLiteral("09-notification")};
+    for (const QString &step : steps) {
+        const QImage picture(dir.filePath(step + QStringLiteral(".png")));
+        ASSERT_FALSE(picture.isNull()) << step.toStdString();
+        EXPECT_EQ(picture.size() / picture.devicePixelRatio(), QSize(375, 667)) << step.toStdString();
+        // Every screen has a title or a back button in its bar, and content under it.
+        EXPECT_GE(inkInBand(picture, kBarTop, kBarHeight).pixels, kMinBarItemInk) << step.toStdString();
+        EXPECT_GE(inkInBand(picture, kBoardCardTop, 667 - kBoardCardTop).pixels, kMinContentInk) << step.toStdString();
+        EXPECT_TRUE(run.out.contains(step + QStringLiteral(".png"))) << step.toStdString();
+    }
+    const QString log = QString::fromUtf8(server.log());
+    EXPECT_EQ(log.count(QStringLiteral("POST /api/RepliesleTopic")), 1);
+    EXPECT_GE(log.count(QStringLiteral("/api/WriteTopic")), 1);
+    EXPECT_GE(log.count(QStringLiteral("/pages/")), 1) << "the web page came from the server";
 }

@@ -24,7 +24,7 @@ public:
         QMap<QByteArray, QByteArray> headers; // names in lower case
         QByteArray body;
 
-        QByteArray path() const { return target.left(target.indexOf('?')); }
+        QByteArray path() const { return target.contains('?') ? target.left(target.indexOf('?')) : target; }
         QByteArray query() const;            // after the first "?", raw
     };
 
