@@ -8,6 +8,7 @@
 #include "JsonChangDic.h"
 #include "LFAnalytics.h"
 #include "NavigationController.h"
+#include "NotificationTopic.h"
 #include "UserDefaults.h"
 #include "UserIdStore.h"
 #include "Window.h"
@@ -66,24 +67,17 @@ void AppDelegate::didReceiveRemoteNotification(const QJsonObject &userInfo)
 void AppDelegate::goToMessageViewController(const QJsonValue &payload)
 {
     result = kNotificationResult;
-    const QJsonObject data = payload.toObject().value(QLatin1String("data")).toObject();
     UserDefaults &defaults = UserDefaults::standardUserDefaults();
     number = UserIdStore(defaults).userId();
 
-    PostModel topic;
-    topic.setValueForKey(data.value(QLatin1String("topicid")), u"tid");
-    topic.setValueForKey(data.value(QLatin1String("username")), u"username");
-    topic.setValueForKey(data.value(QLatin1String("content")), u"topiccontent");
-    topic.setValueForKey(data.value(QLatin1String("title")), u"title");
-    ListModel board;
-    board.setValueForKey(data.value(QLatin1String("sectionid")), u"sectionid");
+    const NotificationTopic named = NotificationTopic::fromPayload(payload);
 
     defaults.setObject(QString::fromLatin1(kPushKey), QString::fromLatin1(kPushKey));
     defaults.synchronize();
 
     auto screen = std::make_shared<HostDetailViewController>();
-    screen->postModel = topic;
-    screen->model = board;
+    screen->postModel = named.topic;
+    screen->model = named.board;
     screen->userID = number;
     screen->result = result;
     if (m_window && m_window->rootViewController())
