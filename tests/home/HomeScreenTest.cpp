@@ -211,6 +211,28 @@ TEST_F(HomeScreenTest, theBannerAndRowsFillTheTableOnceTheAnswersArrive)
     EXPECT_EQ(home->navigationItem()->leftBarButtonItem()->title(), QString());
 }
 
+TEST_F(HomeScreenTest, aVerticalDragOnTheBannerScrollsTheBoardsAndASideDragPagesTheBanner)
+{
+    launch();
+    ASSERT_TRUE(loaded());
+    CircleView *carousel = home->circleView();
+    carousel->timer()->stop();
+    testsupport::Pointer pointer(&window);
+    const QPoint onBanner = carousel->mapTo(&window, QPoint(187, 120));
+    const qreal top = home->tableView()->contentOffset().y();
+
+    pointer.drag(onBanner, QPoint(0, -100));
+    EXPECT_NEAR(home->tableView()->contentOffset().y() - top, 100, 1);
+    EXPECT_EQ(carousel->scrollV()->contentOffset(), QPointF(375, 0));
+
+    pointer.drag(onBanner - QPoint(0, 100), QPoint(0, 100));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return home->tableView()->contentOffset().y() == top; }));
+    pointer.flick(onBanner + QPoint(60, 0), QPoint(-120, 0));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return carousel->scrollV()->contentOffset() == QPointF(750, 0); }));
+    EXPECT_EQ(home->tableView()->contentOffset().y(), top);
+    EXPECT_EQ(carousel->currentItemIndex(), 1);
+}
+
 TEST_F(HomeScreenTest, anEmptyAdsAnswerStillBuildsAnEmptyBanner)
 {
     ads = {};
