@@ -18,5 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Q_UNUSED(quiet)
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
     const LFPMessage message(QJsonDocument::fromJson(bytes).object(), 1.0);
-    return message.isFromLefiseix() && message.msgId.isEmpty() ? 1 : 0;
+    Q_UNUSED(message)
+    return 0;
 }

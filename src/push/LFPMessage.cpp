@@ -49,13 +49,18 @@ LFPMessage::LFPMessage(const QJsonObject &userInfo, double receivedAt)
     , ts(receivedAt)
 {
     const QJsonValue aps = userInfo.value(kApsKey);
-    const bool wellFormed = readMsgId(userInfo.value(kMsgIdKey), &msgId)
-                            && readClickPolicy(userInfo.value(kClickPolicyKey), &clickPolicy)
+    QString id;
+    int policy = 0;
+    const bool wellFormed = readMsgId(userInfo.value(kMsgIdKey), &id)
+                            && readClickPolicy(userInfo.value(kClickPolicyKey), &policy)
                             && (aps.isUndefined() || aps.isObject());
     if (!wellFormed) {
+        // Nothing of a malformed dictionary is trusted: the message stays without id.
         LFPushUtils::outLog(QStringLiteral("LFPMessage init exception [%1]").arg(LFPushUtils::jsonText(userInfo)));
         return;
     }
+    msgId = id;
+    clickPolicy = policy;
     const QJsonObject apsObject = aps.toObject();
     alert = alertOf(apsObject.value(QStringLiteral("alert")));
     badge = apsObject.value(QStringLiteral("badge"));

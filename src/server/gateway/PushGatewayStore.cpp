@@ -21,6 +21,12 @@ const char *const kSchema[] = {
 
 const QString kEpochKey = QStringLiteral("push_epoch");
 
+// Text columns are NOT NULL: a missing text is stored as an empty one.
+QString text(const QString &value)
+{
+    return value.isNull() ? QStringLiteral("") : value;
+}
+
 } // namespace
 
 PushGatewayStore::PushGatewayStore(ForumDatabase &database)
@@ -61,8 +67,8 @@ void PushGatewayStore::reportDevice(const QString &token, bool isRegister, const
                        " ON CONFLICT(token) DO UPDATE SET appkey = excluded.appkey, header = excluded.header,"
                        " %1 = excluded.%1, reports = reports + 1")
             .arg(when));
-    query.addBindValue(token);
-    query.addBindValue(header.value(QStringLiteral("appkey")).toString());
+    query.addBindValue(text(token));
+    query.addBindValue(text(header.value(QStringLiteral("appkey")).toString()));
     query.addBindValue(QString::fromUtf8(QJsonDocument(header).toJson(QJsonDocument::Compact)));
     query.addBindValue(now);
     ForumDatabase::exec(query);
@@ -71,14 +77,14 @@ void PushGatewayStore::reportDevice(const QString &token, bool isRegister, const
 bool PushGatewayStore::isKnownDevice(const QString &token)
 {
     QSqlQuery query = m_database.prepare(QStringLiteral("SELECT 1 FROM push_devices WHERE token = ?"));
-    query.addBindValue(token);
+    query.addBindValue(text(token));
     return !column(query).isEmpty();
 }
 
 QStringList PushGatewayStore::tags(const QString &token)
 {
     QSqlQuery query = m_database.prepare(QStringLiteral("SELECT tag FROM push_tags WHERE token = ? ORDER BY tag"));
-    query.addBindValue(token);
+    query.addBindValue(text(token));
     return column(query);
 }
 
@@ -87,8 +93,8 @@ void PushGatewayStore::addTags(const QString &token, const QStringList &tags)
     ForumDatabase::Transaction transaction(m_database);
     for (const QString &tag : tags) {
         QSqlQuery query = m_database.prepare(QStringLiteral("INSERT OR IGNORE INTO push_tags(token, tag) VALUES(?, ?)"));
-        query.addBindValue(token);
-        query.addBindValue(tag);
+        query.addBindValue(text(token));
+        query.addBindValue(text(tag));
         ForumDatabase::exec(query);
     }
     transaction.commit();
@@ -99,8 +105,8 @@ void PushGatewayStore::removeTags(const QString &token, const QStringList &tags)
     ForumDatabase::Transaction transaction(m_database);
     for (const QString &tag : tags) {
         QSqlQuery query = m_database.prepare(QStringLiteral("DELETE FROM push_tags WHERE token = ? AND tag = ?"));
-        query.addBindValue(token);
-        query.addBindValue(tag);
+        query.addBindValue(text(token));
+        query.addBindValue(text(tag));
         ForumDatabase::exec(query);
     }
     transaction.commit();
@@ -109,7 +115,7 @@ void PushGatewayStore::removeTags(const QString &token, const QStringList &tags)
 void PushGatewayStore::resetTags(const QString &token)
 {
     QSqlQuery query = m_database.prepare(QStringLiteral("DELETE FROM push_tags WHERE token = ?"));
-    query.addBindValue(token);
+    query.addBindValue(text(token));
     ForumDatabase::exec(query);
 }
 
@@ -117,7 +123,7 @@ QStringList PushGatewayStore::aliases(const QString &token)
 {
     QSqlQuery query = m_database.prepare(
         QStringLiteral("SELECT alias FROM push_aliases WHERE token = ? ORDER BY alias, type"));
-    query.addBindValue(token);
+    query.addBindValue(text(token));
     return column(query);
 }
 
@@ -125,9 +131,9 @@ void PushGatewayStore::addAlias(const QString &token, const QString &alias, cons
 {
     QSqlQuery query = m_database.prepare(
         QStringLiteral("INSERT OR IGNORE INTO push_aliases(token, alias, type) VALUES(?, ?, ?)"));
-    query.addBindValue(token);
-    query.addBindValue(alias);
-    query.addBindValue(type);
+    query.addBindValue(text(token));
+    query.addBindValue(text(alias));
+    query.addBindValue(text(type));
     ForumDatabase::exec(query);
 }
 
@@ -135,8 +141,8 @@ void PushGatewayStore::setAlias(const QString &token, const QString &alias, cons
 {
     ForumDatabase::Transaction transaction(m_database);
     QSqlQuery clear = m_database.prepare(QStringLiteral("DELETE FROM push_aliases WHERE token = ? AND type = ?"));
-    clear.addBindValue(token);
-    clear.addBindValue(type);
+    clear.addBindValue(text(token));
+    clear.addBindValue(text(type));
     ForumDatabase::exec(clear);
     addAlias(token, alias, type);
     transaction.commit();
@@ -146,9 +152,9 @@ void PushGatewayStore::removeAlias(const QString &token, const QString &alias, c
 {
     QSqlQuery query = m_database.prepare(
         QStringLiteral("DELETE FROM push_aliases WHERE token = ? AND alias = ? AND type = ?"));
-    query.addBindValue(token);
-    query.addBindValue(alias);
-    query.addBindValue(type);
+    query.addBindValue(text(token));
+    query.addBindValue(text(alias));
+    query.addBindValue(text(type));
     ForumDatabase::exec(query);
 }
 
@@ -157,19 +163,19 @@ QStringList PushGatewayStore::recipients(const Target &target)
     switch (target.kind) {
     case Target::Device: {
         QSqlQuery query = m_database.prepare(QStringLiteral("SELECT token FROM push_devices WHERE token = ?"));
-        query.addBindValue(target.value);
+        query.addBindValue(text(target.value));
         return column(query);
     }
     case Target::Tag: {
         QSqlQuery query = m_database.prepare(
             QStringLiteral("SELECT token FROM push_tags WHERE tag = ? ORDER BY token"));
-        query.addBindValue(target.value);
+        query.addBindValue(text(target.value));
         return column(query);
     }
     case Target::Alias: {
         QSqlQuery query = m_database.prepare(
             QStringLiteral("SELECT DISTINCT token FROM push_aliases WHERE alias = ? ORDER BY token"));
-        query.addBindValue(target.value);
+        query.addBindValue(text(target.value));
         return column(query);
     }
     case Target::All:
@@ -187,8 +193,8 @@ QList<qint64> PushGatewayStore::storeMessage(const QStringList &tokens, const QS
     for (const QString &token : tokens) {
         QSqlQuery query = m_database.prepare(
             QStringLiteral("INSERT INTO push_messages(token, msgid, userinfo, created) VALUES(?, ?, ?, ?)"));
-        query.addBindValue(token);
-        query.addBindValue(msgId);
+        query.addBindValue(text(token));
+        query.addBindValue(text(msgId));
         query.addBindValue(QString::fromUtf8(userInfo));
         query.addBindValue(now);
         ForumDatabase::exec(query);
@@ -202,7 +208,7 @@ QList<PushGatewayStore::StoredMessage> PushGatewayStore::messagesAfter(const QSt
 {
     QSqlQuery query = m_database.prepare(
         QStringLiteral("SELECT id, userinfo FROM push_messages WHERE token = ? AND id > ? ORDER BY id"));
-    query.addBindValue(token);
+    query.addBindValue(text(token));
     query.addBindValue(afterId);
     ForumDatabase::exec(query);
     QList<StoredMessage> messages;
@@ -215,8 +221,8 @@ void PushGatewayStore::recordClick(const QString &token, const QString &msgId, d
 {
     QSqlQuery query = m_database.prepare(
         QStringLiteral("INSERT INTO push_clicks(token, msgid, ts, received) VALUES(?, ?, ?, ?)"));
-    query.addBindValue(token);
-    query.addBindValue(msgId);
+    query.addBindValue(text(token));
+    query.addBindValue(text(msgId));
     query.addBindValue(ts);
     query.addBindValue(now);
     ForumDatabase::exec(query);
