@@ -5,7 +5,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QPointer>
 
 LFPMessageCache::LFPMessageCache(UserDefaults &defaults)
     : m_defaults(defaults)
@@ -58,11 +57,12 @@ void LFPMessageCache::removeCacheMessage(const QString &msgId)
 
 void LFPMessageCache::cachedMessages(std::function<void(const QList<LFHashArray::Entry> &)> done)
 {
-    QPointer<QObject> mainThread(&m_mainThread);
+    // The receiver outlives every queued task (the destructor waits for them); an answer
+    // still posted when it goes is dropped with it.
+    QObject *mainThread = &m_mainThread;
     enqueue([this, mainThread, done = std::move(done)] {
         const QList<LFHashArray::Entry> entries = m_msgCache.entries();
-        if (mainThread)
-            QMetaObject::invokeMethod(mainThread, [done, entries] { done(entries); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(mainThread, [done, entries] { done(entries); }, Qt::QueuedConnection);
     });
 }
 

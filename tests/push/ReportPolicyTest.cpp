@@ -98,6 +98,43 @@ TEST_F(ReportPolicy, AKnownLocationTravelsOnceInTheHeader)
     EXPECT_TRUE(log.lines().filter(QStringLiteral("register param")).first().contains(QStringLiteral("\"lat\":31.5")));
 }
 
+// Records, at the moment the delegate hears of the token, what the component knew of it.
+struct TokenWitness final : ApplicationDelegate
+{
+    explicit TokenWitness(const LFPushCore &core) : core(core) {}
+    bool didFinishLaunchingWithOptions(const LaunchOptions &) override { return true; }
+    void didRegisterForRemoteNotificationsWithDeviceToken(const QByteArray &deviceToken) override
+    {
+        componentHadIt = core.curToken == deviceToken;
+        heard = true;
+    }
+    const LFPushCore &core;
+    bool heard = false;
+    bool componentHadIt = false;
+};
+
+TEST_F(ReportPolicy, TheTokenReachesTheComponentBeforeTheAppDelegateInEitherRegistrationForm)
+{
+    for (const bool newer : {true, false}) {
+        QTemporaryDir own;
+        DesktopNotificationService platform({QUrl(pushRoot()), own.filePath(QStringLiteral("token")),
+                                             own.filePath(QStringLiteral("state.ini")), &Application::shared(), newer});
+        Application::shared().setRemoteNotificationService(&platform);
+        const auto core = makeCore();
+        TokenWitness delegate(*core);
+        Application::shared().setDelegate(&delegate);
+        core->registerForRemoteNotifications({}, UserNotificationTypeBadge, UserNotificationTypeAlert);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return delegate.heard; }));
+        EXPECT_TRUE(delegate.componentHadIt) << "newer form: " << newer;
+        // The newer form registers the iOS 8 types, the older one the iOS 7 types.
+        EXPECT_EQ(Application::shared().currentUserNotificationSettings().types,
+                  newer ? int(UserNotificationTypeAlert) : int(UserNotificationTypeBadge));
+        EXPECT_TRUE(logged(QStringLiteral("register ok for token [%1]!").arg(QString::fromLatin1(platform.deviceToken().toHex()))));
+        Application::shared().setDelegate(nullptr);
+    }
+    Application::shared().setRemoteNotificationService(&service);
+}
+
 class PolicyServer : public PushFixture
 {
 protected:
