@@ -192,13 +192,16 @@ void LFPushCore::sendCachedClicks()
 {
     m_messageCache->cachedMessages([this](const QList<LFHashArray::Entry> &entries) {
         for (const LFHashArray::Entry &entry : entries) {
-            if (m_clicksInFlight.contains(entry.msgId))
+            // A report sent (or on its way) stays here: a snapshot taken before its removal
+            // from the cache reached the queue must not send it again.
+            if (m_clicksSentOrSending.contains(entry.msgId))
                 continue;
-            m_clicksInFlight.insert(entry.msgId);
+            m_clicksSentOrSending.insert(entry.msgId);
             m_network->sendClickMsgId(entry.msgId, entry.ts, [this, msgId = entry.msgId](bool sent) {
-                m_clicksInFlight.remove(msgId);
                 if (sent)
                     m_messageCache->removeCacheMessage(msgId);
+                else
+                    m_clicksSentOrSending.remove(msgId);
             });
         }
     });

@@ -70,7 +70,7 @@ private:
     LFPushOptions m_options;
     LFPInstallation m_installation;
     QStringList m_categories;
-    QSet<QString> m_clicksInFlight;
+    QSet<QString> m_clicksSentOrSending;
     std::unique_ptr<LFPNetworkLogic> m_network;
     std::unique_ptr<LFPIntermediateLogic> m_intermediate;
     std::unique_ptr<LFPMessageCache> m_messageCache;
