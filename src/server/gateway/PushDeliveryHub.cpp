@@ -42,7 +42,7 @@ qint64 PushDeliveryHub::resumeAfter(const QByteArray &lastEventId) const
     return ok && id > 0 ? id : 0;
 }
 
-QByteArray PushDeliveryHub::event(qint64 id, const QByteArray &userInfo) const
+QByteArray PushDeliveryHub::eventText(qint64 id, const QByteArray &userInfo) const
 {
     return "id: " + m_store.epoch().toLatin1() + ':' + QByteArray::number(id) + "\ndata: " + userInfo + "\n\n";
 }
@@ -51,7 +51,7 @@ QByteArray PushDeliveryHub::missedEvents(const QString &token, qint64 afterId) c
 {
     QByteArray text;
     for (const PushGatewayStore::StoredMessage &message : m_store.messagesAfter(token, afterId))
-        text += event(message.id, message.userInfo);
+        text += eventText(message.id, message.userInfo);
     return text;
 }
 
@@ -70,7 +70,7 @@ void PushDeliveryHub::deliver(const QString &token, qint64 id, const QByteArray 
     dropClosed();
     for (const Stream &stream : std::as_const(m_streams)) {
         if (stream.token == token)
-            stream.socket->write(event(id, userInfo));
+            stream.socket->write(eventText(id, userInfo));
     }
 }
 

@@ -45,7 +45,7 @@ private:
         std::shared_ptr<QHttpServerResponder> responder;  // kept so the connection stays ours
     };
 
-    QByteArray event(qint64 id, const QByteArray &userInfo) const;
+    QByteArray eventText(qint64 id, const QByteArray &userInfo) const;
     void dropClosed();
     void heartbeat();
 
