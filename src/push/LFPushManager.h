@@ -3,7 +3,7 @@
 // settings apart) where the platform offers it, else the older types-and-token form; and it
 // sees the token before the app delegate does, so the app need not forward it. Main thread.
 
-#include "RemoteNotificationService.h"
+#include "RemoteNotificationRegistrationObserver.h"
 
 #include <QStringList>
 

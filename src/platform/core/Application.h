@@ -5,6 +5,7 @@
 // delivery of notifications to the delegate. Lives on the main thread.
 
 #include "ApplicationDelegate.h"
+#include "RemoteNotificationRegistrationObserver.h"
 #include "RemoteNotificationService.h"
 
 #include <QList>

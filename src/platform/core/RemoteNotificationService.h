@@ -42,12 +42,3 @@ public:
     virtual void registerUserNotificationSettings(const UserNotificationSettings &settings) = 0;
     virtual UserNotificationSettings currentUserNotificationSettings() const = 0;
 };
-
-// Sees a registration's outcome before the application delegate does.
-class RemoteNotificationRegistrationObserver
-{
-public:
-    virtual ~RemoteNotificationRegistrationObserver() = default;
-    virtual void didRegisterForRemoteNotificationsWithDeviceToken(const QByteArray &deviceToken) = 0;
-    virtual void didFailToRegisterForRemoteNotificationsWithError(const QString &error) = 0;
-};

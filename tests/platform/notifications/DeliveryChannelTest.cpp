@@ -120,6 +120,21 @@ TEST_F(DeliveryChannel, PushSendWithoutTheSecretIsRefusedAndDeliversNothing)
     EXPECT_FALSE(makeChannel()->takeLaunchNotification(5000).has_value());
 }
 
+TEST_F(DeliveryChannel, TheStreamIsRefusedWithoutAWellFormedDeviceToken)
+{
+    QNetworkAccessManager network;
+    for (const QByteArray &authorization : {QByteArray(), QByteArray("Bearer abc"), "Bearer " + QByteArray(64, '0'),
+                                            "Basic " + token.toHex()}) {
+        QNetworkRequest request(QUrl(gatewayclient::pushRoot(server) + QStringLiteral("/events?once=1")));
+        if (!authorization.isEmpty())
+            request.setRawHeader("Authorization", authorization);
+        QNetworkReply *reply = network.get(request);
+        ASSERT_TRUE(testsupport::waitUntil([reply] { return reply->isFinished(); }));
+        EXPECT_EQ(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 401) << authorization.constData();
+        reply->deleteLater();
+    }
+}
+
 TEST(DeliveryChannelBackOff, DoublesFromOneSecondUpTo60Seconds)
 {
     QList<int> delays;
