@@ -54,6 +54,7 @@ LFPushCore::LFPushCore(LFPushOptions options)
 {
     m_installation.lfdid = m_options.deviceIdentifier;
     connect(m_options.application, &Application::didBecomeActive, this, &LFPushCore::startApp);
+    connect(m_options.application, &Application::willResignActive, this, &LFPushCore::stopApp);
 }
 
 LFPushCore::~LFPushCore() = default;
@@ -167,6 +168,12 @@ void LFPushCore::startApp()
         openMessage(*curMessage);
     else
         sendCachedClicks();
+}
+
+void LFPushCore::stopApp()
+{
+    if (curSession)
+        curSession->stopSession(m_options.clock->now());
 }
 
 void LFPushCore::openMessage(const LFPMessage &message)

@@ -44,6 +44,8 @@ public:
     void sendClickReportForRemoteNotification(const QJsonObject &userInfo);
     // The app became active.
     void startApp();
+    // The app stops being active: the session opened from a notification ends.
+    void stopApp();
     void setLocation(double latitude, double longitude);
 
     const LFPushOptions &options() const { return m_options; }

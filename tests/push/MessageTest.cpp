@@ -6,6 +6,7 @@
 #include "PushFixture.h"
 
 #include <QAbstractButton>
+#include <private/qguiapplication_p.h>
 #include <QJsonDocument>
 #include <QMessageBox>
 
@@ -88,6 +89,57 @@ TEST_F(Messages, TheForegroundAlertIsTitledNotificationWithTheTextAndAnOkButton)
     QPointer<QMessageBox> watched(alert);
     alert->buttons().first()->click();
     EXPECT_TRUE(testsupport::waitUntil([&] { return watched.isNull(); }));
+}
+
+} // namespace
+
+namespace {
+
+struct QuietDelegate final : ApplicationDelegate
+{
+    bool didFinishLaunchingWithOptions(const LaunchOptions &) override { return true; }
+};
+
+class Activity : public PushFixture
+{
+protected:
+    static void become(Qt::ApplicationState state)
+    {
+        QGuiApplicationPrivate::setApplicationState(state, true);
+        QCoreApplication::processEvents();
+    }
+};
+
+TEST_F(Activity, BecomingActiveClearsTheBadgeAndLeavingEndsTheNotificationsSession)
+{
+    QuietDelegate delegate;
+    Application::shared().setDelegate(&delegate);
+    Application::shared().launch();
+    become(Qt::ApplicationInactive);
+    const auto core = makeCore();
+    core->didReceiveRemoteNotification(QJsonDocument::fromJson(R"({"d":"a1","p":1,"aps":{"alert":"x"}})").object());
+    ASSERT_TRUE(testsupport::waitUntil([&] { return rows(QStringLiteral("SELECT msgid FROM push_clicks")).size() == 1; }));
+
+    Application::shared().setApplicationIconBadgeNumber(5);
+    become(Qt::ApplicationActive);
+    EXPECT_EQ(Application::shared().applicationIconBadgeNumber(), 0);
+    core->installation().badgeClear = false;
+    Application::shared().setApplicationIconBadgeNumber(5);
+    clock->advanceSeconds(30);
+    become(Qt::ApplicationInactive);
+    become(Qt::ApplicationActive);
+    EXPECT_EQ(Application::shared().applicationIconBadgeNumber(), 5);
+
+    const double opened = core->curSession->startTime;
+    become(Qt::ApplicationInactive);
+    EXPECT_EQ(core->curSession->duration(), 30.0);
+    EXPECT_EQ(clock->now() - opened, 30.0);
+    // Becoming active again with the same message opened counts no second click.
+    become(Qt::ApplicationActive);
+    core->messageCache().waitForQueue();
+    testsupport::spinFor(300);
+    EXPECT_EQ(rows(QStringLiteral("SELECT msgid FROM push_clicks")), QStringList(QStringLiteral("a1")));
+    Application::shared().setDelegate(nullptr);
 }
 
 } // namespace

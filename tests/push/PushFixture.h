@@ -26,6 +26,7 @@ public:
     explicit SettableClock(double start) : m_now(start) {}
     double now() const override { return m_now; }
     void advanceDays(int days) { m_now += days * 86400.0; }
+    void advanceSeconds(double seconds) { m_now += seconds; }
 
 private:
     double m_now;

@@ -44,8 +44,10 @@ void Application::applicationStateChanged(Qt::ApplicationState state)
         return;
     // Hidden and suspended count as the background; inactive sits between active and background.
     const auto background = [](Qt::ApplicationState s) { return s == Qt::ApplicationHidden || s == Qt::ApplicationSuspended; };
-    if (previous == Qt::ApplicationActive)
+    if (previous == Qt::ApplicationActive) {
         m_delegate->applicationWillResignActive();
+        emit willResignActive();
+    }
     if (background(state) && !background(previous))
         m_delegate->applicationDidEnterBackground();
     if (background(previous) && !background(state))

@@ -52,8 +52,9 @@ public:
     void receiveRemoteNotification(const QJsonObject &userInfo);
 
 signals:
-    // After the delegate's own becoming-active callback, as the phone's notification centre.
+    // After the delegate's own callbacks, as the phone's notification centre posts them.
     void didBecomeActive();
+    void willResignActive();
 
 private:
     Application();
