@@ -111,6 +111,10 @@ void LFPushCore::registerForRemoteNotifications(const QStringList &categories, i
 void LFPushCore::unregisterForRemoteNotifications()
 {
     m_manager->unregisterForRemoteNotifications();
+    // The token is given up: tags and aliases wait for the next registration.
+    curToken.clear();
+    preToken.clear();
+    m_installation.deviceToken.clear();
 }
 
 void LFPushCore::registerDeviceToken(const QByteArray &deviceToken)

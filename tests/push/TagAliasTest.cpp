@@ -80,6 +80,11 @@ TEST_F(TagsAndAliases, TheGatewayKeepsADevicesTagsAndAliases)
               QStringList({token + QStringLiteral("|小明|forum"), token + QStringLiteral("|阿明|")}));
     call([&](auto r) { network.removeAlias(QStringLiteral("阿明"), QString(), r); });
     EXPECT_EQ(rows(QStringLiteral("SELECT alias FROM push_aliases")), QStringList(QStringLiteral("小明")));
+
+    core->unregisterForRemoteNotifications();
+    EXPECT_EQ(call([&](auto r) { network.addTag(QStringLiteral("组队"), r); }).error,
+              QStringLiteral("add tag[组队] error token nil"));
+    EXPECT_FALSE(Application::shared().isRegisteredForRemoteNotifications());
 }
 
 TEST_F(TagsAndAliases, AnswersWithoutSuccessOrErrorsAndMissingAddressesAreFailures)
