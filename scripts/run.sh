@@ -26,7 +26,9 @@ for _ in $(seq 1 100); do
 done
 api_root=$(grep -o 'http://[^ ]*' "$server_log.out" | head -n 1)
 export QUORVEL_API_ROOT="$api_root"
+export QUORVEL_PUSH_URL="${api_root%/api/}/push"
 echo "Local forum server with demo data at $api_root (log: $server_log)"
+echo "Open a topic in the running app: $build/src/server/quorvel-server push send --gateway $QUORVEL_PUSH_URL --all --topic 1001 --section 1 --title 新手必读 --db $data/demo-forum.sqlite"
 echo
 
 # The app, as a person launches it: the home screen with the banner and the boards. Without a

@@ -25,6 +25,9 @@ ForumHttpServer::ForumHttpServer(ForumRouter &router, QObject *parent)
 
 bool ForumHttpServer::handleRequest(const QHttpServerRequest &request, QTcpSocket *socket)
 {
+    QHttpServerResponder responder = makeResponder(request, socket);
+    if (m_taker && m_taker(request, responder))
+        return true;
     QElapsedTimer timer;
     timer.start();
     const QUrl url = request.url();
@@ -33,7 +36,6 @@ bool ForumHttpServer::handleRequest(const QHttpServerRequest &request, QTcpSocke
                                      request.value(QByteArrayLiteral("Host"))};
     const ServerReply reply = m_router.handle(forumRequest);
 
-    QHttpServerResponder responder = makeResponder(request, socket);
     const auto status = static_cast<QHttpServerResponder::StatusCode>(reply.status);
     if (reply.allow.isEmpty())
         responder.write(reply.body, {{"Content-Type", reply.contentType}}, status);

@@ -7,6 +7,8 @@
 
 #include <QAbstractHttpServer>
 
+#include <functional>
+
 class ForumHttpServer : public QAbstractHttpServer
 {
     Q_OBJECT
@@ -14,10 +16,15 @@ class ForumHttpServer : public QAbstractHttpServer
 public:
     explicit ForumHttpServer(ForumRouter &router, QObject *parent = nullptr);
 
+    // Sees every request before the router; true when it answered it (or keeps it open).
+    using RequestTaker = std::function<bool(const QHttpServerRequest &, QHttpServerResponder &)>;
+    void setRequestTaker(RequestTaker taker) { m_taker = std::move(taker); }
+
 protected:
     bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override;
     void missingHandler(const QHttpServerRequest &request, QTcpSocket *socket) override;
 
 private:
     ForumRouter &m_router;
+    RequestTaker m_taker;
 };

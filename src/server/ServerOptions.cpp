@@ -71,7 +71,12 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
                        "topics, for load tests (default 0: none).")
             .arg(DemoData::kBulkBoardId),
         QStringLiteral("count"), QString::number(options.bulkBoardTopics));
-    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard});
+    const QCommandLineOption pushPolicy(
+        QStringLiteral("push-launch-policy"),
+        QStringLiteral("Report policy the push gateway answers under /push/ (0 register daily, 1 report "
+                       "nothing, 2 launch every time; default 0)."),
+        QStringLiteral("policy"), QString::number(options.pushLaunchPolicy));
+    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard, pushPolicy});
 
     if (!parser.parse(arguments))
         return {std::nullopt, parser.errorText() + QLatin1Char('\n'), 2};
@@ -97,6 +102,7 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         {maxTitle, 1, 10000, &options.maxTitleLength},
         {maxContent, 1, 1000000, &options.maxContentLength},
         {bulkBoard, 0, DemoData::kMaxBulkBoardTopics, &options.bulkBoardTopics},
+        {pushPolicy, 0, 2, &options.pushLaunchPolicy},
     };
     for (const Bounded &number : numbers) {
         const std::optional<int> value = boundedNumber(parser.value(number.option), number.minimum,

@@ -25,6 +25,7 @@ struct ServerOptions
     int maxTitleLength = kDefaultMaxTitleLength;
     int maxContentLength = kDefaultMaxContentLength;
     int bulkBoardTopics = 0;  // topics of the extra board seeded into a new database; 0 = none
+    int pushLaunchPolicy = 0;  // the report policy the push gateway hands to clients (0, 1, 2)
 };
 
 // The outcome of reading the command line: options to run with, or text to print and the

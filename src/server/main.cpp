@@ -4,6 +4,9 @@
 #include "ForumHttpServer.h"
 #include "ForumRouter.h"
 #include "ForumStore.h"
+#include "PushGateway.h"
+#include "PushGatewaySecret.h"
+#include "PushSendCommand.h"
 #include "ServerLog.h"
 #include "ServerOptions.h"
 #include "UnixSignalWatcher.h"
@@ -21,6 +24,9 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quorvel-server"));
+
+    if (PushSendCommand::isRequested(QCoreApplication::arguments()))
+        return PushSendCommand::run(QCoreApplication::arguments());
 
     const ServerOptionsParse parsed = parseServerOptions(QCoreApplication::arguments());
     if (!parsed.options) {
@@ -44,7 +50,17 @@ int main(int argc, char **argv)
     }
 
     ForumRouter router(store, options, [] { return QDateTime::currentMSecsSinceEpoch(); });
+    const QByteArray pushSecret =
+        PushGatewaySecret::create(PushGatewaySecret::filePathFor(options.databasePath), &error);
+    if (pushSecret.isEmpty()) {
+        serverLog(error);
+        return 1;
+    }
+    PushGateway gateway(*database, {pushSecret, {options.pushLaunchPolicy, 0}, options.maxBodyBytes});
     ForumHttpServer server(router);
+    server.setRequestTaker([&gateway](const QHttpServerRequest &request, QHttpServerResponder &responder) {
+        return gateway.take(request, responder);
+    });
     const quint16 port = server.listen(QHostAddress(options.host), options.port);
     if (port == 0) {
         serverLog(QStringLiteral("cannot listen on %1:%2").arg(options.host).arg(options.port));

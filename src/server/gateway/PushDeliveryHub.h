@@ -1,0 +1,55 @@
+#pragma once
+// The open delivery streams of the desktop notification channels: each device's stream gets
+// the messages it missed (after the id it names) at once and every new one as it is sent, as
+// server-sent events "id: EPOCH:N" / "data: <user info>". A comment line every 15 s keeps
+// idle streams alive and lets the client notice a dead line. Main thread.
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+
+class PushGatewayStore;
+class QHttpServerResponder;
+class QTcpSocket;
+
+class PushDeliveryHub : public QObject
+{
+    Q_OBJECT
+public:
+    static constexpr int kHeartbeatMs = 15'000;
+
+    explicit PushDeliveryHub(PushGatewayStore &store, QObject *parent = nullptr);
+    ~PushDeliveryHub() override;
+
+    // The message number to resume after, from a Last-Event-ID of this gateway ("EPOCH:N");
+    // 0 for none or another database's.
+    qint64 resumeAfter(const QByteArray &lastEventId) const;
+    // The device's messages after `afterId` as one event-stream text.
+    QByteArray missedEvents(const QString &token, qint64 afterId) const;
+
+    // Keeps the responder's connection as the device's stream, first sending what it missed.
+    void openStream(const QString &token, qint64 afterId, QHttpServerResponder &&responder);
+    void deliver(const QString &token, qint64 id, const QByteArray &userInfo);
+    int openStreams() const;
+
+private:
+    struct Stream
+    {
+        QString token;
+        QPointer<QTcpSocket> socket;
+        std::shared_ptr<QHttpServerResponder> responder;  // kept so the connection stays ours
+    };
+
+    QByteArray eventText(qint64 id, const QByteArray &userInfo) const;
+    void dropClosed();
+    void heartbeat();
+
+    PushGatewayStore &m_store;
+    QList<Stream> m_streams;
+    QTimer m_heartbeat;
+};

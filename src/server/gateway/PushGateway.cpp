@@ -1,0 +1,102 @@
+#include "PushGateway.h"
+
+#include "ServerLog.h"
+
+#include <QDateTime>
+#include <QHttpServerRequest>
+#include <QHttpServerResponder>
+#include <QJsonDocument>
+
+namespace {
+
+const QString kEventsPath = QStringLiteral("/events");
+
+void answer(QHttpServerResponder &responder, const GatewayReply &reply)
+{
+    responder.write(QJsonDocument(reply.body).toJson(QJsonDocument::Compact),
+                    {{"Content-Type", "application/json"}},
+                    static_cast<QHttpServerResponder::StatusCode>(reply.status));
+}
+
+QByteArray methodOf(const QHttpServerRequest &request)
+{
+    return request.method() == QHttpServerRequest::Method::Post  ? QByteArrayLiteral("POST")
+           : request.method() == QHttpServerRequest::Method::Get ? QByteArrayLiteral("GET")
+                                                                  : QByteArrayLiteral("OTHER");
+}
+
+void logLine(const QByteArray &method, const QString &path, int status, const QString &note)
+{
+    QString line = QStringLiteral("%1 %2 %3").arg(QString::fromLatin1(method), path).arg(status);
+    if (!note.isEmpty())
+        line += QStringLiteral(" (%1)").arg(note);
+    serverLog(line);
+}
+
+} // namespace
+
+PushGateway::PushGateway(ForumDatabase &database, Options options)
+    : m_store(database)
+    , m_hub(m_store)
+    , m_router(m_store, options.secret, options.policies, [] { return QDateTime::currentSecsSinceEpoch(); },
+               [this](const QString &token, qint64 id, const QByteArray &userInfo) { m_hub.deliver(token, id, userInfo); })
+    , m_maxBodyBytes(options.maxBodyBytes)
+{
+}
+
+bool PushGateway::take(const QHttpServerRequest &request, QHttpServerResponder &responder)
+{
+    const QString path = request.url().path();
+    const QString root = QLatin1String(kRoot);
+    if (path != root && !path.startsWith(root + QLatin1Char('/')))
+        return false;
+    const QString below = path.mid(root.size());
+    const QByteArray method = methodOf(request);
+    if (below == kEventsPath) {
+        events(request, responder);
+        return true;
+    }
+    GatewayReply reply;
+    if (request.body().size() > m_maxBodyBytes) {
+        reply = {413, QJsonObject{{QStringLiteral("errors"), QStringLiteral("body too large")}},
+                 QStringLiteral("body too large")};
+    } else {
+        try {
+            reply = m_router.handle(method, below, request.value("Authorization"), request.body());
+        } catch (const StoreError &error) {
+            reply = {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}},
+                     QString::fromStdString(error.what())};
+        }
+    }
+    answer(responder, reply);
+    logLine(method, path, reply.status, reply.note);
+    return true;
+}
+
+void PushGateway::events(const QHttpServerRequest &request, QHttpServerResponder &responder)
+{
+    const QString path = request.url().path();
+    const QString token = QString::fromLatin1(PushGatewayRouter::bearer(request.value("Authorization"))).toLower();
+    if (methodOf(request) != "GET") {
+        answer(responder, {405, QJsonObject{{QStringLiteral("errors"), QStringLiteral("use GET")}}, {}});
+        logLine(methodOf(request), path, 405, QString());
+        return;
+    }
+    if (!PushGatewayRequest::isWellFormedToken(token) || PushGatewayRequest::isNoToken(token)) {
+        answer(responder, {401, QJsonObject{{QStringLiteral("errors"), QStringLiteral("a device token is needed")}}, {}});
+        logLine("GET", path, 401, QStringLiteral("no device token"));
+        return;
+    }
+    try {
+        const qint64 after = m_hub.resumeAfter(request.value("Last-Event-ID"));
+        if (request.url().query() == QLatin1String("once=1")) {
+            responder.write(m_hub.missedEvents(token, after), {{"Content-Type", "text/event-stream"}});
+        } else {
+            m_hub.openStream(token, after, std::move(responder));
+        }
+        logLine("GET", path, 200, QStringLiteral("after %1").arg(after));
+    } catch (const StoreError &error) {
+        answer(responder, {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}}, {}});
+        logLine("GET", path, 500, QString::fromStdString(error.what()));
+    }
+}

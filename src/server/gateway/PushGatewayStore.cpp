@@ -1,0 +1,239 @@
+#include "PushGatewayStore.h"
+
+#include <QJsonDocument>
+#include <QRandomGenerator>
+#include <QVariant>
+
+namespace {
+
+const char *const kSchema[] = {
+    "CREATE TABLE IF NOT EXISTS push_devices(token TEXT PRIMARY KEY, appkey TEXT NOT NULL,"
+    " header TEXT NOT NULL, registered INTEGER, launched INTEGER, reports INTEGER NOT NULL DEFAULT 0)",
+    "CREATE TABLE IF NOT EXISTS push_tags(token TEXT NOT NULL, tag TEXT NOT NULL, PRIMARY KEY(token, tag))",
+    "CREATE TABLE IF NOT EXISTS push_aliases(token TEXT NOT NULL, alias TEXT NOT NULL, type TEXT NOT NULL,"
+    " PRIMARY KEY(token, alias, type))",
+    "CREATE TABLE IF NOT EXISTS push_messages(id INTEGER PRIMARY KEY AUTOINCREMENT, token TEXT NOT NULL,"
+    " msgid TEXT NOT NULL, userinfo TEXT NOT NULL, created INTEGER NOT NULL)",
+    "CREATE INDEX IF NOT EXISTS push_messages_by_token ON push_messages(token, id)",
+    "CREATE TABLE IF NOT EXISTS push_clicks(id INTEGER PRIMARY KEY, token TEXT NOT NULL, msgid TEXT NOT NULL,"
+    " ts REAL NOT NULL, received INTEGER NOT NULL)",
+};
+
+const QString kEpochKey = QStringLiteral("push_epoch");
+
+// Text columns are NOT NULL: a missing text is stored as an empty one.
+QString text(const QString &value)
+{
+    return value.isNull() ? QStringLiteral("") : value;
+}
+
+} // namespace
+
+PushGatewayStore::PushGatewayStore(ForumDatabase &database)
+    : m_database(database)
+{
+    for (const char *statement : kSchema) {
+        QSqlQuery query = m_database.prepare(QString::fromLatin1(statement));
+        ForumDatabase::exec(query);
+    }
+    QSqlQuery read = m_database.prepare(QStringLiteral("SELECT value FROM meta WHERE key = ?"));
+    read.addBindValue(kEpochKey);
+    ForumDatabase::exec(read);
+    if (read.next()) {
+        m_epoch = read.value(0).toString();
+        return;
+    }
+    m_epoch = QString::number(QRandomGenerator::system()->generate64(), 36);
+    QSqlQuery write = m_database.prepare(QStringLiteral("INSERT INTO meta(key, value) VALUES(?, ?)"));
+    write.addBindValue(kEpochKey);
+    write.addBindValue(m_epoch);
+    ForumDatabase::exec(write);
+}
+
+QStringList PushGatewayStore::column(QSqlQuery &query)
+{
+    ForumDatabase::exec(query);
+    QStringList values;
+    while (query.next())
+        values << query.value(0).toString();
+    return values;
+}
+
+void PushGatewayStore::reportDevice(const QString &token, bool isRegister, const QJsonObject &header, qint64 now)
+{
+    const QString when = isRegister ? QStringLiteral("registered") : QStringLiteral("launched");
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("INSERT INTO push_devices(token, appkey, header, %1, reports) VALUES(?, ?, ?, ?, 1)"
+                       " ON CONFLICT(token) DO UPDATE SET appkey = excluded.appkey, header = excluded.header,"
+                       " %1 = excluded.%1, reports = reports + 1")
+            .arg(when));
+    query.addBindValue(text(token));
+    query.addBindValue(text(header.value(QStringLiteral("appkey")).toString()));
+    query.addBindValue(QString::fromUtf8(QJsonDocument(header).toJson(QJsonDocument::Compact)));
+    query.addBindValue(now);
+    ForumDatabase::exec(query);
+}
+
+bool PushGatewayStore::isKnownDevice(const QString &token)
+{
+    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT 1 FROM push_devices WHERE token = ?"));
+    query.addBindValue(text(token));
+    return !column(query).isEmpty();
+}
+
+QStringList PushGatewayStore::tags(const QString &token)
+{
+    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT tag FROM push_tags WHERE token = ? ORDER BY tag"));
+    query.addBindValue(text(token));
+    return column(query);
+}
+
+void PushGatewayStore::addTags(const QString &token, const QStringList &tags)
+{
+    ForumDatabase::Transaction transaction(m_database);
+    for (const QString &tag : tags) {
+        QSqlQuery query = m_database.prepare(QStringLiteral("INSERT OR IGNORE INTO push_tags(token, tag) VALUES(?, ?)"));
+        query.addBindValue(text(token));
+        query.addBindValue(text(tag));
+        ForumDatabase::exec(query);
+    }
+    transaction.commit();
+}
+
+void PushGatewayStore::removeTags(const QString &token, const QStringList &tags)
+{
+    ForumDatabase::Transaction transaction(m_database);
+    for (const QString &tag : tags) {
+        QSqlQuery query = m_database.prepare(QStringLiteral("DELETE FROM push_tags WHERE token = ? AND tag = ?"));
+        query.addBindValue(text(token));
+        query.addBindValue(text(tag));
+        ForumDatabase::exec(query);
+    }
+    transaction.commit();
+}
+
+void PushGatewayStore::resetTags(const QString &token)
+{
+    QSqlQuery query = m_database.prepare(QStringLiteral("DELETE FROM push_tags WHERE token = ?"));
+    query.addBindValue(text(token));
+    ForumDatabase::exec(query);
+}
+
+QStringList PushGatewayStore::aliases(const QString &token)
+{
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("SELECT alias FROM push_aliases WHERE token = ? ORDER BY alias, type"));
+    query.addBindValue(text(token));
+    return column(query);
+}
+
+void PushGatewayStore::addAlias(const QString &token, const QString &alias, const QString &type)
+{
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("INSERT OR IGNORE INTO push_aliases(token, alias, type) VALUES(?, ?, ?)"));
+    query.addBindValue(text(token));
+    query.addBindValue(text(alias));
+    query.addBindValue(text(type));
+    ForumDatabase::exec(query);
+}
+
+void PushGatewayStore::setAlias(const QString &token, const QString &alias, const QString &type)
+{
+    ForumDatabase::Transaction transaction(m_database);
+    QSqlQuery clear = m_database.prepare(QStringLiteral("DELETE FROM push_aliases WHERE token = ? AND type = ?"));
+    clear.addBindValue(text(token));
+    clear.addBindValue(text(type));
+    ForumDatabase::exec(clear);
+    addAlias(token, alias, type);
+    transaction.commit();
+}
+
+void PushGatewayStore::removeAlias(const QString &token, const QString &alias, const QString &type)
+{
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("DELETE FROM push_aliases WHERE token = ? AND alias = ? AND type = ?"));
+    query.addBindValue(text(token));
+    query.addBindValue(text(alias));
+    query.addBindValue(text(type));
+    ForumDatabase::exec(query);
+}
+
+QStringList PushGatewayStore::recipients(const Target &target)
+{
+    switch (target.kind) {
+    case Target::Device: {
+        QSqlQuery query = m_database.prepare(QStringLiteral("SELECT token FROM push_devices WHERE token = ?"));
+        query.addBindValue(text(target.value));
+        return column(query);
+    }
+    case Target::Tag: {
+        QSqlQuery query = m_database.prepare(
+            QStringLiteral("SELECT token FROM push_tags WHERE tag = ? ORDER BY token"));
+        query.addBindValue(text(target.value));
+        return column(query);
+    }
+    case Target::Alias: {
+        QSqlQuery query = m_database.prepare(
+            QStringLiteral("SELECT DISTINCT token FROM push_aliases WHERE alias = ? ORDER BY token"));
+        query.addBindValue(text(target.value));
+        return column(query);
+    }
+    case Target::All:
+        break;
+    }
+    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT token FROM push_devices ORDER BY token"));
+    return column(query);
+}
+
+QList<qint64> PushGatewayStore::storeMessage(const QStringList &tokens, const QString &msgId,
+                                             const QByteArray &userInfo, qint64 now)
+{
+    QList<qint64> ids;
+    ForumDatabase::Transaction transaction(m_database);
+    for (const QString &token : tokens) {
+        QSqlQuery query = m_database.prepare(
+            QStringLiteral("INSERT INTO push_messages(token, msgid, userinfo, created) VALUES(?, ?, ?, ?)"));
+        query.addBindValue(text(token));
+        query.addBindValue(text(msgId));
+        query.addBindValue(QString::fromUtf8(userInfo));
+        query.addBindValue(now);
+        ForumDatabase::exec(query);
+        ids << query.lastInsertId().toLongLong();
+    }
+    transaction.commit();
+    return ids;
+}
+
+QList<PushGatewayStore::StoredMessage> PushGatewayStore::messagesAfter(const QString &token, qint64 afterId)
+{
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("SELECT id, userinfo FROM push_messages WHERE token = ? AND id > ? ORDER BY id"));
+    query.addBindValue(text(token));
+    query.addBindValue(afterId);
+    ForumDatabase::exec(query);
+    QList<StoredMessage> messages;
+    while (query.next())
+        messages.append({query.value(0).toLongLong(), query.value(1).toString().toUtf8()});
+    return messages;
+}
+
+void PushGatewayStore::recordClick(const QString &token, const QString &msgId, double ts, qint64 now)
+{
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("INSERT INTO push_clicks(token, msgid, ts, received) VALUES(?, ?, ?, ?)"));
+    query.addBindValue(text(token));
+    query.addBindValue(text(msgId));
+    query.addBindValue(ts);
+    query.addBindValue(now);
+    ForumDatabase::exec(query);
+}
+
+QList<PushGatewayStore::Click> PushGatewayStore::clicks()
+{
+    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT token, msgid, ts FROM push_clicks ORDER BY id"));
+    ForumDatabase::exec(query);
+    QList<Click> clicks;
+    while (query.next())
+        clicks.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toDouble()});
+    return clicks;
+}

@@ -1,0 +1,61 @@
+#pragma once
+// A gateway router over a fresh SQLite file in a temporary folder, with a known secret and a
+// recorder of what it hands to delivery streams. Main thread.
+
+#include "ForumDatabase.h"
+#include "PushGatewayRouter.h"
+#include "PushGatewayStore.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+
+class GatewayFixture : public ::testing::Test
+{
+protected:
+    static constexpr qint64 kNow = 1'772'452'800;
+    inline static const QByteArray kSecret = QByteArray(64, 's');
+    inline static const QString kToken = QString(64, QLatin1Char('a'));
+    inline static const QString kOtherToken = QString(64, QLatin1Char('b'));
+
+    struct Delivered
+    {
+        QString token;
+        qint64 id;
+        QByteArray userInfo;
+    };
+
+    void SetUp() override
+    {
+        QString error;
+        database = ForumDatabase::open(folder.filePath(QStringLiteral("push.sqlite")), &error);
+        ASSERT_TRUE(database) << error.toStdString();
+        // The forum's schema holds the meta table the gateway keeps its epoch in.
+        store = std::make_unique<PushGatewayStore>(*database);
+        router = std::make_unique<PushGatewayRouter>(
+            *store, kSecret, PushGatewayRouter::Policies{2, 1}, [] { return kNow; },
+            [this](const QString &token, qint64 id, const QByteArray &userInfo) { delivered.append({token, id, userInfo}); });
+    }
+
+    GatewayReply post(const QString &path, const QJsonObject &body, const QByteArray &authorization = {})
+    {
+        return router->handle("POST", path, authorization, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    }
+
+    static QJsonObject device(const QString &token, const QJsonObject &extra = {})
+    {
+        QJsonObject body{{QStringLiteral("header"), QJsonObject{{QStringLiteral("appkey"), QStringLiteral("k")}}},
+                         {QStringLiteral("device_token"), token}};
+        for (auto it = extra.begin(); it != extra.end(); ++it)
+            body.insert(it.key(), it.value());
+        return body;
+    }
+
+    QTemporaryDir folder;
+    std::unique_ptr<ForumDatabase> database;
+    std::unique_ptr<PushGatewayStore> store;
+    std::unique_ptr<PushGatewayRouter> router;
+    QList<Delivered> delivered;
+};
