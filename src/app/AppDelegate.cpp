@@ -7,6 +7,7 @@
 #include "ImageView.h"
 #include "JsonChangDic.h"
 #include "LFAnalytics.h"
+#include "LFPush.h"
 #include "NavigationController.h"
 #include "NotificationTopic.h"
 #include "UserDefaults.h"
@@ -32,12 +33,15 @@ AppDelegate::~AppDelegate() = default;
 
 bool AppDelegate::didFinishLaunchingWithOptions(const LaunchOptions &options)
 {
-    Q_UNUSED(options)
     m_window = std::make_unique<Window>(m_screenSize);
     holdLaunchPicture();
 
     m_window->setRootViewController(std::make_shared<NavigationController>(std::make_shared<Home::ViewController>()));
     m_window->makeKeyAndVisible();
+
+    LFPush::startWithAppkey(QString::fromLatin1(kAppKey), options);
+    LFPush::registerForRemoteNotifications();
+    LFPush::setLogEnabled(true);
 
     LFAnalytics::setAppVersion(QCoreApplication::applicationVersion());
     LFAnalytics::startWithAppkey(QString::fromLatin1(kAppKey), kReportPolicy, QString());
@@ -59,6 +63,7 @@ void AppDelegate::holdLaunchPicture()
 
 void AppDelegate::didReceiveRemoteNotification(const QJsonObject &userInfo)
 {
+    LFPush::didReceiveRemoteNotification(userInfo);
     jsonDic = JsonChangDic::dictionaryWithJsonString(FieldValue::optionalText(userInfo.value(QLatin1String(kPayloadKey))));
     goToMessageViewController(jsonDic);
     forumLog(QStringLiteral("推送内容 %1").arg(FieldValue::describe(userInfo)));

@@ -1,8 +1,9 @@
 #pragma once
 // Starts the app: holds the launch picture for 2 seconds (blocking, on purpose), shows the
-// window with the home screen in a navigation stack, then starts push and analytics; and turns
-// every received notification into its topic, presented over whatever is on screen. The
-// life-cycle callbacks do nothing. Main thread.
+// window with the home screen in a navigation stack, then starts push (registering for remote
+// notifications) and analytics; and hands every received notification to the push component and
+// turns it into its topic, presented over whatever is on screen. The life-cycle callbacks do
+// nothing. Main thread.
 
 #include "ApplicationDelegate.h"
 

@@ -1,5 +1,6 @@
 #include "AppOptions.h"
 
+#include "LFPushEndpoint.h"
 #include "ScreenSizeOption.h"
 #include "ServiceConfig.h"
 
@@ -35,6 +36,11 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
         QStringLiteral("Forum API root (default %1, or $%2).")
             .arg(QString::fromLatin1(ServiceConfig::kDefaultApiRoot), QString::fromLatin1(ServiceConfig::kApiRootVariable)),
         "url");
+    const QCommandLineOption pushUrl = valueOption(
+        "push-url",
+        QStringLiteral("Push gateway (default %1, or $%2).")
+            .arg(QString::fromLatin1(LFPushEndpoint::kDefaultUrl), QString::fromLatin1(LFPushEndpoint::kEnvironmentVariable)),
+        "url");
     const QCommandLineOption screen = valueOption("screen", QStringLiteral("Screen size in points (default 375x667)."), "WxH");
     const QCommandLineOption board = valueOption("board", QStringLiteral("Open this board from the home screen's list."), "id");
     const QCommandLineOption topic = valueOption("topic", QStringLiteral("Open this topic, as a board list would."), "tid");
@@ -52,7 +58,7 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
         QStringLiteral("Walk the app as a person would, saving one picture per step in this folder; exit 0 when "
                        "every step was reached, 1 naming the step that was not."),
         "folder");
-    parser.addOptions({help, apiRoot, screen, board, topic, section, screenshot, draft, notification, tour});
+    parser.addOptions({help, apiRoot, pushUrl, screen, board, topic, section, screenshot, draft, notification, tour});
 
     *helpRequested = false;
     if (!parser.parse(arguments)) {
@@ -71,6 +77,7 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
 
     AppOptions options;
     options.apiRoot = parser.value(apiRoot);
+    options.pushUrl = parser.value(pushUrl);
     options.screenSize = ScreenSizeOption::kDefaultSize;
     if (parser.isSet(screen)) {
         options.screenSize = ScreenSizeOption::parse(parser.value(screen));

@@ -11,6 +11,7 @@
 struct AppOptions
 {
     QString apiRoot;            // empty: the compiled-in or environment default
+    QString pushUrl;            // the push gateway; empty: the push component's default
     QSize screenSize;
     std::optional<qint64> boardId;   // open this board from the home screen's list
     std::optional<qint64> topicId;   // open this topic over the home screen, as a board list would

@@ -33,10 +33,7 @@ LaunchScript::LaunchScript(AppDelegate &app, const AppOptions &options) : m_app(
     if (options.topicId)
         m_steps.push_back([this, id = *options.topicId, section = options.sectionId] { openTopic(id, section); });
     if (options.notification) {
-        m_steps.push_back([userInfo = *options.notification] {
-            if (ApplicationDelegate *delegate = Application::shared().delegate())
-                delegate->didReceiveRemoteNotification(userInfo);
-        });
+        m_steps.push_back([userInfo = *options.notification] { Application::shared().receiveRemoteNotification(userInfo); });
     }
     if (!options.replyDraft.isEmpty())
         m_steps.push_back([this, draft = options.replyDraft] { typeReplyDraft(draft); });

@@ -375,10 +375,8 @@ bool Tour::notification()
     const QString payload = QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("data"), data}}).toJson(QJsonDocument::Compact));
     const QJsonObject userInfo{{QString::fromLatin1(AppDelegate::kPayloadKey), payload},
                                {QStringLiteral("aps"), QJsonObject{{QStringLiteral("alert"), QString::fromUtf8(kNotificationAlert)}}}};
-    ApplicationDelegate *delegate = Application::shared().delegate();
-    if (!delegate)
-        return fail(QStringLiteral("no application delegate"));
-    delegate->didReceiveRemoteNotification(userInfo);
+    // Delivered the way the notification service delivers one.
+    Application::shared().receiveRemoteNotification(userInfo);
     return waitFor(
                [this] {
                    auto *screen = as<HostDetailViewController>(top());

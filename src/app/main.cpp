@@ -4,7 +4,9 @@
 #include "AppDelegate.h"
 #include "AppOptions.h"
 #include "Application.h"
+#include "DesktopNotificationService.h"
 #include "Fonts.h"
+#include "LFPush.h"
 #include "LaunchScript.h"
 #include "MainScreen.h"
 #include "ServiceConfig.h"
@@ -13,6 +15,7 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <QUrl>
 
 #include <cstdio>
 
@@ -45,9 +48,19 @@ int main(int argc, char **argv)
         ServiceConfig::setApiRoot(options->apiRoot);
     MainScreen::setSize(options->screenSize);
 
+    if (!options->pushUrl.isEmpty())
+        LFPush::setPushUrl(options->pushUrl);
+
+    // The desktop's notification service: the device token, and delivery from the push gateway.
+    DesktopNotificationService::Options notificationOptions;
+    notificationOptions.gateway = QUrl(LFPush::pushUrl());
+    DesktopNotificationService notifications(notificationOptions);
+    Application::shared().setRemoteNotificationService(&notifications);
+
     AppDelegate delegate(options->screenSize);
     Application::shared().setDelegate(&delegate);
-    Application::shared().launch();
+    Application::shared().launch(notifications.launchOptions());
+    notifications.startDelivery();
 
     LaunchScript script(delegate, *options);
     script.start();

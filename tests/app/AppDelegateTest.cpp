@@ -8,6 +8,7 @@
 #include "ForumServerSuite.h"
 #include "HomeViewController.h"
 #include "HostDetailViewController.h"
+#include "LFPush.h"
 #include "LogCapture.h"
 #include "NavigationBar.h"
 #include "NavigationController.h"
@@ -49,6 +50,7 @@ protected:
     void SetUp() override
     {
         ForumServerSuite::SetUp();
+        LFPush::setPushUrl(s_server->origin() + QStringLiteral("/push"));
         UserDefaults::standardUserDefaults().setObject(QStringLiteral("77"), QString::fromLatin1(UserIdStore::kKey));
         UserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(AppDelegate::kPushKey));
         Application::shared().setDelegate(&app);

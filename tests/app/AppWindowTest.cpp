@@ -107,7 +107,7 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     const QString tid = QString::number(LocalForumServer::Demo::kManyRepliesTopicId);
     const QString section = QString::number(LocalForumServer::Demo::kManyRepliesSectionId);
 
-    const testsupport::ProgramResult run = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--topic"), tid,
+    const testsupport::ProgramResult run = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--topic"), tid,
                             QStringLiteral("--section"), section, QStringLiteral("--screenshot"), shot});
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
     const QImage picture(shot);
@@ -116,7 +116,7 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     expectTitlesDrawn(picture, 375);
     EXPECT_GE(QString::fromUtf8(server.log()).count(QStringLiteral("/api/RepliesLog")), 1);
 
-    const testsupport::ProgramResult narrow = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--screen"),
+    const testsupport::ProgramResult narrow = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--screen"),
                                QStringLiteral("320x568"), QStringLiteral("--topic"), tid, QStringLiteral("--section"),
                                section, QStringLiteral("--screenshot"), small});
     ASSERT_EQ(narrow.exitCode, 0) << narrow.errors.toStdString();
@@ -132,7 +132,7 @@ TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
     QTemporaryDir dir;
     const QString shot = dir.filePath(QStringLiteral("board.png"));
     const testsupport::ProgramResult run =
-        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--board"),
+        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--board"),
                 QString::number(LocalForumServer::Demo::kBoardId), QStringLiteral("--screenshot"), shot});
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
     const QImage picture(shot);
@@ -153,7 +153,7 @@ TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
     EXPECT_EQ(log.count(QStringLiteral("/api/GetTopics")), 1);
 
     const testsupport::ProgramResult missing =
-        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--board"), QStringLiteral("99")});
+        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--board"), QStringLiteral("99")});
     EXPECT_EQ(missing.exitCode, 3);
     EXPECT_TRUE(missing.errors.contains(QStringLiteral("no board 99")));
 }
@@ -196,7 +196,7 @@ TEST(AppWindow, TheTourReachesEveryScreenThroughTapsAndTyping)
     // would not know.
     QTemporaryDir config;
     const testsupport::ProgramResult run = testsupport::runProgram(
-        QStringLiteral(QUORVEL_APP_BINARY), {QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--tour"), dir.path()},
+        QStringLiteral(QUORVEL_APP_BINARY), {QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--tour"), dir.path()},
         {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}, {QStringLiteral("XDG_CONFIG_HOME"), config.path()}},
         kTourLimitMs);
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
