@@ -34,10 +34,11 @@ AppDelegate::~AppDelegate() = default;
 bool AppDelegate::didFinishLaunchingWithOptions(const LaunchOptions &options)
 {
     m_window = std::make_unique<Window>(m_screenSize);
-    holdLaunchPicture();
+    std::unique_ptr<ImageView> launchPicture = holdLaunchPicture();
 
     m_window->setRootViewController(std::make_shared<NavigationController>(std::make_shared<Home::ViewController>()));
     m_window->makeKeyAndVisible();
+    launchPicture.reset();
 
     LFPush::startWithAppkey(QString::fromLatin1(kAppKey), options);
     LFPush::registerForRemoteNotifications();
@@ -48,9 +49,9 @@ bool AppDelegate::didFinishLaunchingWithOptions(const LaunchOptions &options)
     return true;
 }
 
-void AppDelegate::holdLaunchPicture()
+std::unique_ptr<ImageView> AppDelegate::holdLaunchPicture()
 {
-    auto *picture = new ImageView(QRectF(QPointF(0, 0), QSizeF(m_screenSize)), m_window.get());
+    auto picture = std::make_unique<ImageView>(QRectF(QPointF(0, 0), QSizeF(m_screenSize)), m_window.get());
     picture->setContentMode(ContentMode::ScaleToFill);
     picture->setImageNamed(kLaunchImageName);
     m_window->show();
@@ -58,26 +59,26 @@ void AppDelegate::holdLaunchPicture()
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     picture->repaint();
     QThread::msleep(static_cast<unsigned long>(m_launchHoldMs));
-    picture->deleteLater();
+    return picture;
 }
 
 void AppDelegate::didReceiveRemoteNotification(const QJsonObject &userInfo)
 {
     LFPush::didReceiveRemoteNotification(userInfo);
-    jsonDic = JsonChangDic::dictionaryWithJsonString(FieldValue::optionalText(userInfo.value(QLatin1String(kPayloadKey))));
+    jsonDic = JsonChangDic::dictionaryWithJsonString(NotificationTopic::payloadText(userInfo));
     goToMessageViewController(jsonDic);
     forumLog(QStringLiteral("推送内容 %1").arg(FieldValue::describe(userInfo)));
 }
 
 void AppDelegate::goToMessageViewController(const QJsonValue &payload)
 {
-    result = kNotificationResult;
+    result = HostDetailViewController::kOpenedFromNotification;
     UserDefaults &defaults = UserDefaults::standardUserDefaults();
     number = UserIdStore(defaults).userId();
 
     const NotificationTopic named = NotificationTopic::fromPayload(payload);
 
-    defaults.setObject(QString::fromLatin1(kPushKey), QString::fromLatin1(kPushKey));
+    defaults.setObject(QString::fromLatin1(kPushValue), QString::fromLatin1(kPushKey));
     defaults.synchronize();
 
     auto screen = std::make_shared<HostDetailViewController>();

@@ -12,6 +12,7 @@
 
 #include <memory>
 
+class ImageView;
 class Window;
 
 class AppDelegate : public ApplicationDelegate
@@ -21,10 +22,9 @@ public:
     static inline const char *const kAppKey = "3c1f9a27b84e0d65a2f7c913";
     static constexpr uint32_t kReportPolicy = 1;
     static constexpr int kLaunchHoldMs = 2000;
-    // Handed to the topic screen as `result` when a notification opens it.
-    static constexpr qint64 kNotificationResult = 110;
+    // Written under `push` when a notification opens a topic.
     static inline const char *const kPushKey = "push";
-    static inline const char *const kPayloadKey = "key1";
+    static inline const char *const kPushValue = "push";
 
     // `launchHoldMs` is how long the launch picture stays; tests shorten it.
     explicit AppDelegate(const QSize &screenSize, int launchHoldMs = kLaunchHoldMs);
@@ -44,7 +44,8 @@ public:
     void lefiseixEvent(const QString &, const QJsonObject &, int) {}
 
 private:
-    void holdLaunchPicture();
+    // Shows the launch picture over the window and sleeps; the picture stays until dropped.
+    std::unique_ptr<ImageView> holdLaunchPicture();
 
     QSize m_screenSize;
     int m_launchHoldMs;

@@ -7,12 +7,20 @@
 #include <QCommandLineParser>
 #include <QJsonDocument>
 #include <QJsonParseError>
+#include <QUrl>
 
 namespace {
 
 QCommandLineOption valueOption(const char *name, const QString &description, const char *valueName)
 {
     return QCommandLineOption(QString::fromLatin1(name), description, QString::fromLatin1(valueName));
+}
+
+bool isWebAddress(const QString &text)
+{
+    const QUrl url(text, QUrl::StrictMode);
+    return url.isValid() && (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https")) &&
+           !url.host().isEmpty();
 }
 
 std::optional<qint64> idValue(const QString &text)
@@ -78,6 +86,12 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
     AppOptions options;
     options.apiRoot = parser.value(apiRoot);
     options.pushUrl = parser.value(pushUrl);
+    for (const auto &[option, value] : {std::pair{"--api-root", options.apiRoot}, std::pair{"--push-url", options.pushUrl}}) {
+        if (!value.isEmpty() && !isWebAddress(value)) {
+            *error = QStringLiteral("%1 takes an http or https address, such as http://127.0.0.1:8080/").arg(QLatin1String(option));
+            return std::nullopt;
+        }
+    }
     options.screenSize = ScreenSizeOption::kDefaultSize;
     if (parser.isSet(screen)) {
         options.screenSize = ScreenSizeOption::parse(parser.value(screen));
@@ -89,6 +103,15 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
     const int destinations = int(parser.isSet(board)) + int(parser.isSet(topic)) + int(parser.isSet(tour));
     if (destinations > 1) {
         *error = QStringLiteral("--board, --topic and --tour go one at a time");
+        return std::nullopt;
+    }
+    // The tour takes its own pictures and delivers its own notification.
+    if (parser.isSet(tour) && (parser.isSet(screenshot) || parser.isSet(notification) || parser.isSet(draft))) {
+        *error = QStringLiteral("--tour goes without --screenshot, --notification and --reply-draft");
+        return std::nullopt;
+    }
+    if ((parser.isSet(section) || parser.isSet(draft)) && !parser.isSet(topic)) {
+        *error = QStringLiteral("--section and --reply-draft go with --topic");
         return std::nullopt;
     }
     if (parser.isSet(board)) {

@@ -9,22 +9,13 @@
 #include "NavigationController.h"
 #include "TextView.h"
 #include "UserIdStore.h"
+#include "VisibleScreens.h"
 #include "Window.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
 
-namespace {
-
-Home::ViewController *homeScreen(AppDelegate &app)
-{
-    auto *stack = app.window() ? dynamic_cast<NavigationController *>(app.window()->rootViewController()) : nullptr;
-    return stack && !stack->viewControllers().isEmpty() ? dynamic_cast<Home::ViewController *>(stack->viewControllers().first())
-                                                        : nullptr;
-}
-
-} // namespace
 
 LaunchScript::LaunchScript(AppDelegate &app, const AppOptions &options) : m_app(app)
 {
@@ -37,7 +28,8 @@ LaunchScript::LaunchScript(AppDelegate &app, const AppOptions &options) : m_app(
     }
     if (!options.replyDraft.isEmpty())
         m_steps.push_back([this, draft = options.replyDraft] { typeReplyDraft(draft); });
-    if (!options.screenshotPath.isEmpty())
+    m_savesPicture = !options.screenshotPath.isEmpty();
+    if (m_savesPicture)
         m_steps.push_back([this, path = options.screenshotPath] { saveScreenshot(path); });
 }
 
@@ -50,7 +42,14 @@ void LaunchScript::next()
 {
     if (m_next >= m_steps.size())
         return;
-    m_settle.start([this](bool) {
+    m_settle.start([this](bool timedOut) {
+        // A picture of a screen whose answers never came would only mislead.
+        if (timedOut && m_savesPicture) {
+            std::fprintf(stderr, "quorvel: the server did not answer within %d s; no picture saved\n",
+                         SettleWatcher::kLimitMs / 1000);
+            QCoreApplication::exit(kExitUnanswered);
+            return;
+        }
         const std::function<void()> step = m_steps[m_next++];
         step();
         next();
@@ -59,7 +58,7 @@ void LaunchScript::next()
 
 void LaunchScript::openBoard(qint64 sectionId)
 {
-    Home::ViewController *home = homeScreen(m_app);
+    Home::ViewController *home = VisibleScreens::home(m_app.window());
     for (int row = 0; home && row < home->listArray.size(); ++row) {
         if (FieldValue::integerValue(home->listArray.at(row).sectionid()) == sectionId) {
             home->didSelectRowAtIndexPath(home->tableView(), IndexPath::indexPathForRow(row, 0));
@@ -73,7 +72,7 @@ void LaunchScript::openBoard(qint64 sectionId)
 
 void LaunchScript::openTopic(qint64 topicId, qint64 sectionId)
 {
-    Home::ViewController *home = homeScreen(m_app);
+    Home::ViewController *home = VisibleScreens::home(m_app.window());
     if (!home || !home->navigationController())
         return;
     auto screen = std::make_shared<HostDetailViewController>();
@@ -85,8 +84,7 @@ void LaunchScript::openTopic(qint64 topicId, qint64 sectionId)
 
 void LaunchScript::typeReplyDraft(const QString &draft)
 {
-    auto *stack = dynamic_cast<NavigationController *>(m_app.window()->topmostViewController());
-    auto *topic = stack ? dynamic_cast<HostDetailViewController *>(stack->visibleViewController()) : nullptr;
+    auto *topic = dynamic_cast<HostDetailViewController *>(VisibleScreens::top(m_app.window()));
     if (!topic)
         return;
     topic->textlabelAction();

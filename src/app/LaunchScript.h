@@ -15,6 +15,7 @@ class LaunchScript
 {
 public:
     static constexpr int kExitNotFound = 3;
+    static constexpr int kExitUnanswered = 4;
 
     LaunchScript(AppDelegate &app, const AppOptions &options);
 
@@ -31,5 +32,6 @@ private:
     AppDelegate &m_app;
     std::vector<std::function<void()>> m_steps;
     std::size_t m_next = 0;
+    bool m_savesPicture = false;
     SettleWatcher m_settle;
 };

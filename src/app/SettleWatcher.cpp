@@ -1,6 +1,7 @@
 #include "SettleWatcher.h"
 
 #include "HttpSessionManager.h"
+#include "ImageLoader.h"
 
 SettleWatcher::SettleWatcher(QObject *parent) : QObject(parent)
 {
@@ -18,7 +19,7 @@ void SettleWatcher::start(std::function<void(bool timedOut)> settled)
 
 void SettleWatcher::poll()
 {
-    const bool idle = HttpSessionManager::requestsInFlight() == 0;
+    const bool idle = HttpSessionManager::requestsInFlight() == 0 && ImageLoader::shared().loadsInFlight() == 0;
     if (idle && !m_quiet)
         m_quietFor.start();
     m_quiet = idle;

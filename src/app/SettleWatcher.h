@@ -1,6 +1,6 @@
 #pragma once
-// Tells when the app has settled: no forum request has been in flight for a short while (or a
-// time limit passed since watching began). Screenshots and scripted walks wait for it.
+// Tells when the app has settled: no forum request and no picture load has been in flight for a
+// short while (or a time limit passed since watching began). Screenshots and scripted walks wait for it.
 // Main thread.
 
 #include <QElapsedTimer>

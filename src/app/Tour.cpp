@@ -10,9 +10,11 @@
 #include "NavigationBar.h"
 #include "NavigationController.h"
 #include "NoticeOverlay.h"
+#include "NotificationTopic.h"
 #include "ReleaseViewController.h"
 #include "TableViewCell.h"
 #include "TextView.h"
+#include "VisibleScreens.h"
 #include "WebViewController.h"
 #include "Window.h"
 
@@ -23,6 +25,7 @@
 #include <QEventLoop>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPointer>
 #include <QTimer>
 
 #include <cmath>
@@ -38,7 +41,6 @@ constexpr qreal kDragDistance = 150;
 constexpr int kDragSteps = 10;
 constexpr int kSwipeSteps = 4;
 constexpr qreal kSwipeDistance = 120;
-const QString kBackTitle = QStringLiteral("返回");
 
 template <class Screen>
 Screen *as(ViewController *controller)
@@ -83,17 +85,12 @@ int Tour::run()
 
 NavigationController *Tour::navigation() const
 {
-    return m_app.window() ? as<NavigationController>(m_app.window()->rootViewController()) : nullptr;
+    return VisibleScreens::rootStack(m_app.window());
 }
 
 ViewController *Tour::top() const
 {
-    if (!m_app.window())
-        return nullptr;
-    ViewController *shown = m_app.window()->topmostViewController();
-    if (auto *stack = as<NavigationController>(shown))
-        return stack->isTransitioning() ? nullptr : stack->visibleViewController();
-    return shown;
+    return VisibleScreens::top(m_app.window());
 }
 
 bool Tour::fail(const QString &why)
@@ -189,13 +186,16 @@ bool Tour::board()
 
 bool Tour::topic()
 {
-    auto *screen = as<DetailViewController>(top());
+    // Views may go while the tour waits; every wait is followed by a check.
+    const QPointer<DetailViewController> screen = as<DetailViewController>(top());
     if (!screen || screen->datasource.isEmpty())
         return fail(QStringLiteral("no board on screen"));
     const IndexPath firstTopic = IndexPath::indexPathForRow(0, 2);
-    TableView *table = screen->tableView();
+    const QPointer<TableView> table = screen->tableView();
     const qreal barBottom = NavigationBar::kHeight;
     for (int drag = 0; drag <= kMostDrags; ++drag) {
+        if (!screen || !table)
+            return fail(QStringLiteral("the board went away"));
         QWidget *cell = table->cellForRowAtIndexPath(firstTopic);
         if (cell && cell->isVisible()) {
             const QRect inWindow(cell->mapTo(m_app.window(), QPoint(0, 0)), cell->size());
@@ -204,9 +204,11 @@ bool Tour::topic()
         }
         const QPointF middle(m_app.window()->width() / 2.0, m_app.window()->height() * 0.7);
         m_finger.drag(middle, middle - QPointF(0, kDragDistance), kDragSteps, false);
-        if (!waitFor([table] { return !table->isDecelerating(); }, QStringLiteral("the list to stop")))
+        if (!waitFor([table] { return !table || !table->isDecelerating(); }, QStringLiteral("the list to stop")))
             return false;
     }
+    if (!screen || !table)
+        return fail(QStringLiteral("the board went away"));
     m_topic = screen->datasource.first();
     m_sectionId = screen->model.sectionid();
     if (!m_finger.tap(table->cellForRowAtIndexPath(firstTopic)))
@@ -217,12 +219,13 @@ bool Tour::topic()
 
 bool Tour::reply()
 {
-    auto *screen = as<HostDetailViewController>(top());
+    const QPointer<HostDetailViewController> screen = as<HostDetailViewController>(top());
     if (!screen || !m_finger.tap(screen->textlabel()))
         return fail(QStringLiteral("no reply bar to tap"));
-    if (!waitFor([screen] { return screen->replyTextView() && screen->replyTextView()->hasFocus(); },
-                 QStringLiteral("the reply box to take the keyboard")))
-        return false;
+    if (!waitFor([screen] { return !screen || (screen->replyTextView() && screen->replyTextView()->hasFocus()); },
+                 QStringLiteral("the reply box to take the keyboard")) ||
+        !screen)
+        return fail(QStringLiteral("the topic went away"));
     if (!m_finger.type(QString::fromUtf8(kReplyText)))
         return fail(QStringLiteral("nothing took the typing"));
     if (!m_finger.tap(screen->sender()))
@@ -310,15 +313,19 @@ bool Tour::openBannerItem(bool topicItem)
     if (wanted < 0)
         return fail(topicItem ? QStringLiteral("no banner item opens a topic") : QStringLiteral("no banner item opens a page"));
 
-    CircleView *carousel = screen->circleView();
-    ScrollView *strip = carousel->scrollV();
+    const QPointer<CircleView> carousel = screen->circleView();
+    const QPointer<ScrollView> strip = carousel->scrollV();
     const auto atRest = [strip] {
+        if (!strip)
+            return true;
         const qreal pages = strip->contentOffset().x() / strip->frame().width();
         return !strip->isDragging() && !strip->isDecelerating() && std::abs(pages - std::round(pages)) < 0.01;
     };
     for (int swipe = 0; swipe <= carousel->count() + 2; ++swipe) {
         if (!waitFor(atRest, QStringLiteral("the banner to rest")))
             return false;
+        if (!carousel)
+            return fail(QStringLiteral("the banner went away"));
         if (carousel->currentItemIndex() == wanted) {
             if (!m_finger.tap(carousel))
                 return fail(QStringLiteral("the banner is not on screen"));
@@ -373,7 +380,7 @@ bool Tour::notification()
                            {QStringLiteral("username"), m_topic.username()},
                            {QStringLiteral("content"), m_topic.topiccontent()}};
     const QString payload = QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("data"), data}}).toJson(QJsonDocument::Compact));
-    const QJsonObject userInfo{{QString::fromLatin1(AppDelegate::kPayloadKey), payload},
+    const QJsonObject userInfo{{QString::fromLatin1(NotificationTopic::kPayloadKey), payload},
                                {QStringLiteral("aps"), QJsonObject{{QStringLiteral("alert"), QString::fromUtf8(kNotificationAlert)}}}};
     // Delivered the way the notification service delivers one.
     Application::shared().receiveRemoteNotification(userInfo);
@@ -384,7 +391,8 @@ bool Tour::notification()
                    return screen && stack && stack != navigation() &&
                           screen->result == HostDetailViewController::kOpenedFromNotification &&
                           stack->navigationBar()->leftButton()->isVisible() &&
-                          stack->navigationBar()->leftButton()->title() == kBackTitle;
+                          stack->navigationBar()->leftButton()->title() ==
+                              QString::fromUtf8(HostDetailViewController::kNotificationBackTitle);
                },
                QStringLiteral("the notification's topic with \"返回\"")) &&
            settle();

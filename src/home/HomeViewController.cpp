@@ -7,6 +7,7 @@
 #include "FieldValue.h"
 #include "ForumPayloads.h"
 #include "HostDetailViewController.h"
+#include "HomeStyle.h"
 #include "HttpRequest.h"
 #include "JsonChangDic.h"
 #include "LFAnalytics.h"
@@ -46,7 +47,7 @@ void ViewController::viewDidLoad()
     myUserID = &UserDefaults::standardUserDefaults();
 
     m_tableView = new TableView(view()->frame());
-    m_tableView->setRowHeight(kRowHeight);
+    m_tableView->setRowHeight(HomeStyle::kRowFrame.height());
     m_tableView->setSeparatorStyle(TableView::SeparatorStyle::None);
     m_tableView->setDataSource(this);
     m_tableView->setDelegate(this);
@@ -67,7 +68,7 @@ void ViewController::viewWillAppear(bool)
     }
     // A blank spacer where a back button would stand.
     navigationItem()->setLeftBarButtonItem(new BarButtonItem(QString(), BarButtonItem::Style::Plain, {}));
-    count = kBannerResult;
+    count = HostDetailViewController::kOpenedFromBanner;
     num = kBannerCount;
     listDictionary();
 }
@@ -114,9 +115,9 @@ void ViewController::requstUserID()
 {
     HttpRequest::GetTempUserInfoSuccessBlock(
         [controller = self()](const HttpTask &, const QJsonValue &payload) {
-            controller->listModel = ListModel::fromJson(payload.toObject().value(QLatin1String("userinfo")));
+            controller->listModel = UserIdStore::userOfTempUserAnswer(payload);
             controller->userID = controller->listModel.userid();
-            controller->userIDStr = UserIdStore(*controller->myUserID).storeFromTempUserAnswer(payload);
+            controller->userIDStr = UserIdStore(*controller->myUserID).storeUser(controller->listModel);
         },
         {}, jsonSting);
 }

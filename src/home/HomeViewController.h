@@ -34,11 +34,10 @@ class ViewController : public ::ViewController,
     Q_OBJECT
 
 public:
-    static constexpr qreal kRowHeight = 89;
     static constexpr qreal kBannerHeight = 195;
     static constexpr qreal kFooterHeight = 60;
-    // Handed to a topic opened from the banner as its `result` and `count`.
-    static constexpr qint64 kBannerResult = 120;
+    // Handed to a topic opened from the banner as its `count` (its `result` is the topic
+    // screen's banner mark).
     static constexpr qint64 kBannerCount = 100;
     static inline const char *const kTitle = "Quorvel";
     static inline const char *const kAdvertisingClickEvent = "advertisingClick";

@@ -2,6 +2,12 @@
 
 #include <QJsonObject>
 
+std::optional<QString> NotificationTopic::payloadText(const QJsonObject &userInfo)
+{
+    const QJsonValue text = userInfo.value(QLatin1String(kPayloadKey));
+    return text.isString() ? std::optional<QString>(text.toString()) : std::nullopt;
+}
+
 NotificationTopic NotificationTopic::fromPayload(const QJsonValue &payload)
 {
     const QJsonObject data = payload.toObject().value(QLatin1String("data")).toObject();

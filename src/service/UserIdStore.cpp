@@ -20,9 +20,18 @@ qint64 UserIdStore::userId() const
     return FieldValue::integerValue(text());
 }
 
+ListModel UserIdStore::userOfTempUserAnswer(const QJsonValue &payload)
+{
+    return ListModel::fromJson(payload.toObject().value(QStringLiteral("userinfo")));
+}
+
 QString UserIdStore::storeFromTempUserAnswer(const QJsonValue &payload)
 {
-    const ListModel user = ListModel::fromJson(payload.toObject().value(QStringLiteral("userinfo")));
+    return storeUser(userOfTempUserAnswer(payload));
+}
+
+QString UserIdStore::storeUser(const ListModel &user)
+{
     const QString idText = FieldValue::describe(user.userid());
     const QString key = QString::fromLatin1(kKey);
     m_defaults.removeObjectForKey(key);

@@ -3,6 +3,7 @@
 // in the user defaults. Absent, empty, non-numeric and "0" all mean "no user yet". Main
 // thread (like every reader of the id).
 
+#include "ListModel.h"
 #include "UserDefaults.h"
 
 #include <QJsonValue>
@@ -26,6 +27,9 @@ public:
     // without one stores "(null)", which counts as no id, so the next load asks again.
     // Returns the stored text.
     QString storeFromTempUserAnswer(const QJsonValue &payload);
+    // The same in two steps: the answer's user record, and storing its `userid`.
+    static ListModel userOfTempUserAnswer(const QJsonValue &payload);
+    QString storeUser(const ListModel &user);
 
 private:
     UserDefaults &m_defaults;

@@ -91,7 +91,7 @@ void HostDetailViewController::viewWillAppear(bool animated)
         navigation->setNavigationBarHidden(false, animated);
     if (result == kOpenedFromNotification) {
         navigationItem()->setLeftBarButtonItem(
-            new BarButtonItem(QStringLiteral("返回"), BarButtonItem::Style::Plain, [this] { backAction(); }));
+            new BarButtonItem(QString::fromUtf8(kNotificationBackTitle), BarButtonItem::Style::Plain, [this] { backAction(); }));
     }
     m_tableView->header()->beginRefreshing();
 }

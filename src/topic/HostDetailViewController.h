@@ -38,6 +38,8 @@ public:
     // Opener codes carried in `result`.
     static constexpr qint64 kOpenedFromNotification = 110;
     static constexpr qint64 kOpenedFromBanner = 120;
+    // The bar's left item when a notification opened the screen; it dismisses the presentation.
+    static inline const char *const kNotificationBackTitle = "返回";
 
     HostDetailViewController();
     ~HostDetailViewController() override;

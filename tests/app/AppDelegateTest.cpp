@@ -8,6 +8,7 @@
 #include "ForumServerSuite.h"
 #include "HomeViewController.h"
 #include "HostDetailViewController.h"
+#include "ImageView.h"
 #include "LFPush.h"
 #include "LogCapture.h"
 #include "NavigationBar.h"
@@ -18,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
 
 namespace {
@@ -133,7 +135,9 @@ TEST_F(AppDelegateTest, aNotificationPresentsItsTopicWithTheMarkAndTheStoredUser
 TEST_F(AppDelegateTest, aMissingOrBrokenPayloadStillPresentsTheTopicScreenWithEmptyRecords)
 {
     int presented = 0;
-    for (const QJsonValue &key1 : {QJsonValue(QJsonValue::Undefined), QJsonValue(QStringLiteral("{not json"))}) {
+    // An object where the JSON text should be counts as no payload, like a missing one.
+    const QJsonValue objectInsteadOfText = QJsonDocument::fromJson(payloadText(1001, 1).toUtf8()).object();
+    for (const QJsonValue &key1 : {QJsonValue(QJsonValue::Undefined), QJsonValue(QStringLiteral("{not json")), objectInsteadOfText}) {
         const LogCapture log("quorvel");
         Application::shared().delegate()->didReceiveRemoteNotification(userInfoNaming(key1));
         HostDetailViewController *topic = presentedTopic(++presented);
@@ -161,6 +165,23 @@ TEST_F(AppDelegateTest, notificationsInARowStackTheirTopicsOverWhateverIsOnScree
     EXPECT_NE(second, first);
     EXPECT_EQ(second->presentingViewController(), first);
     EXPECT_EQ(topic->postModel.tid(), QJsonValue(1001));
+}
+
+} // namespace
+
+namespace {
+
+TEST(AppLaunch, theLaunchPictureHoldsForTwoSecondsBeforeTheHomeScreenShows)
+{
+    AppDelegate held(QSize(375, 667));
+    QElapsedTimer clock;
+    clock.start();
+    ASSERT_TRUE(held.didFinishLaunchingWithOptions({}));
+    EXPECT_GE(clock.elapsed(), AppDelegate::kLaunchHoldMs);
+    EXPECT_EQ(AppDelegate::kLaunchHoldMs, 2000);
+    // The picture goes as the window shows the home stack.
+    EXPECT_TRUE(held.window()->findChildren<ImageView *>(Qt::FindDirectChildrenOnly).isEmpty());
+    EXPECT_NE(dynamic_cast<NavigationController *>(held.window()->rootViewController()), nullptr);
 }
 
 } // namespace

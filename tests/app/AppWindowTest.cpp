@@ -3,6 +3,7 @@
 
 #include "LocalForumServer.h"
 #include "ProgramRun.h"
+#include "RecordingHttpServer.h"
 
 #include <gtest/gtest.h>
 
@@ -167,6 +168,18 @@ TEST(AppWindow, BadOptionsAreRefusedWithAReason)
         runApp({QStringLiteral("--board"), QStringLiteral("1"), QStringLiteral("--tour"), QStringLiteral("/tmp/never")});
     EXPECT_EQ(twoPlaces.exitCode, 2);
     EXPECT_TRUE(twoPlaces.errors.contains(QStringLiteral("one at a time")));
+    const testsupport::ProgramResult tourAndPicture = runApp(
+        {QStringLiteral("--tour"), QStringLiteral("/tmp/never"), QStringLiteral("--screenshot"), QStringLiteral("/tmp/never.png")});
+    EXPECT_EQ(tourAndPicture.exitCode, 2);
+    EXPECT_TRUE(tourAndPicture.errors.contains(QStringLiteral("--tour goes without")));
+    const testsupport::ProgramResult sectionAlone = runApp({QStringLiteral("--section"), QStringLiteral("3")});
+    EXPECT_EQ(sectionAlone.exitCode, 2);
+    EXPECT_TRUE(sectionAlone.errors.contains(QStringLiteral("go with --topic")));
+    for (const QString &option : {QStringLiteral("--api-root"), QStringLiteral("--push-url")}) {
+        const testsupport::ProgramResult notAnAddress = runApp({option, QStringLiteral("foo")});
+        EXPECT_EQ(notAnAddress.exitCode, 2);
+        EXPECT_TRUE(notAnAddress.errors.contains(option + QStringLiteral(" takes an http or https address")));
+    }
     const testsupport::ProgramResult badNotification = runApp({QStringLiteral("--notification"), QStringLiteral("[1]")});
     EXPECT_EQ(badNotification.exitCode, 2);
     EXPECT_TRUE(badNotification.errors.contains(QStringLiteral("--notification")));
@@ -218,4 +231,19 @@ TEST(AppWindow, TheTourReachesEveryScreenThroughTapsAndTyping)
     EXPECT_EQ(log.count(QStringLiteral("POST /api/RepliesleTopic")), 1);
     EXPECT_GE(log.count(QStringLiteral("/api/WriteTopic")), 1);
     EXPECT_GE(log.count(QStringLiteral("/pages/")), 1) << "the web page came from the server";
+}
+
+TEST(AppWindow, APictureOfAScreenWhoseServerNeverAnswersIsRefused)
+{
+    // Takes connections and never answers them: this process runs no event loop meanwhile.
+    RecordingHttpServer silent;
+    ASSERT_TRUE(silent.listen());
+    QTemporaryDir dir;
+    const QString shot = dir.filePath(QStringLiteral("home.png"));
+    const testsupport::ProgramResult run =
+        runApp({QStringLiteral("--api-root"), silent.apiRoot(), QStringLiteral("--push-url"),
+                silent.baseUrl() + QStringLiteral("push"), QStringLiteral("--screenshot"), shot});
+    EXPECT_EQ(run.exitCode, 4);
+    EXPECT_TRUE(run.errors.contains(QStringLiteral("did not answer"))) << run.errors.toStdString();
+    EXPECT_FALSE(QFile::exists(shot));
 }

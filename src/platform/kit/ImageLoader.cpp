@@ -56,6 +56,8 @@ QNetworkReply *ImageLoader::loadImage(const QUrl &url, QObject *context, Complet
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::PreferCache);
     QNetworkReply *reply = m_network.get(request);
     reply->setParent(context);
+    ++m_inFlight;
+    connect(reply, &QObject::destroyed, this, [this] { --m_inFlight; });
     connect(reply, &QNetworkReply::finished, context, [this, reply, url, completion = std::move(completion)] {
         reply->deleteLater();
         QImage image;

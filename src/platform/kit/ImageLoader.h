@@ -33,10 +33,13 @@ public:
 
     QImage cachedImage(const QUrl &url) const;
     void clearMemoryCache() { m_memoryCache.clear(); }
+    // Network loads started and not yet answered or dropped.
+    int loadsInFlight() const { return m_inFlight; }
 
 private:
     void remember(const QUrl &url, const QImage &image);
 
     QNetworkAccessManager m_network;
     QCache<QUrl, QImage> m_memoryCache;
+    int m_inFlight = 0;
 };
