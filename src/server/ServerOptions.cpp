@@ -72,6 +72,7 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
             .arg(DemoData::kBulkBoardId),
         QStringLiteral("count"), QString::number(options.bulkBoardTopics));
     parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard});
+    parser.addOptions(CollectorOptions::commandLineOptions());
 
     if (!parser.parse(arguments))
         return {std::nullopt, parser.errorText() + QLatin1Char('\n'), 2};
@@ -111,5 +112,10 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         *number.target = *value;
     }
     options.port = static_cast<quint16>(portNumber);
+    QString analyticsError;
+    const std::optional<CollectorOptions> analytics = CollectorOptions::fromParser(parser, &analyticsError);
+    if (!analytics)
+        return {std::nullopt, analyticsError, 2};
+    options.analytics = *analytics;
     return {options, QString(), 0};
 }

@@ -1,4 +1,8 @@
 // quorvel-server: the forum's reference server. See --help.
+#include "AnalyticsCollector.h"
+#include "AnalyticsReport.h"
+#include "AnalyticsStore.h"
+#include "CollectorHttpServer.h"
 #include "DemoData.h"
 #include "ForumDatabase.h"
 #include "ForumHttpServer.h"
@@ -21,6 +25,8 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quorvel-server"));
+    if (QCoreApplication::arguments().value(1) == AnalyticsReport::kCommand)
+        return AnalyticsReport::run(QCoreApplication::arguments().mid(2));
 
     const ServerOptionsParse parsed = parseServerOptions(QCoreApplication::arguments());
     if (!parsed.options) {
@@ -53,6 +59,23 @@ int main(int argc, char **argv)
     const QString origin = QStringLiteral("http://%1:%2").arg(options.host).arg(port);
     router.setFallbackOrigin(origin);
     std::printf("quorvel-server listening on %s/api/\n", origin.toUtf8().constData());
+
+    // The forum serves on even when the collector cannot: parallel servers share its default port.
+    const std::unique_ptr<AnalyticsStore> analyticsStore = AnalyticsStore::open(options.databasePath, &error);
+    std::unique_ptr<AnalyticsCollector> collector;
+    std::unique_ptr<CollectorHttpServer> collectorServer;
+    if (analyticsStore) {
+        collector = std::make_unique<AnalyticsCollector>(*analyticsStore, options.analytics,
+                                                         [] { return QDateTime::currentMSecsSinceEpoch(); });
+        collectorServer = std::make_unique<CollectorHttpServer>(*collector);
+    }
+    const quint16 analyticsPort = collectorServer ? collectorServer->listen(QHostAddress(options.host), options.analytics.port) : 0;
+    if (analyticsPort != 0)
+        std::printf("quorvel-server analytics listening on http://%s:%u (POST /app_logs)\n", options.host.toUtf8().constData(),
+                    unsigned(analyticsPort));
+    else
+        serverLog(QStringLiteral("analytics collector not started: %1")
+                      .arg(analyticsStore ? QStringLiteral("cannot listen on %1:%2").arg(options.host).arg(options.analytics.port) : error));
     std::fflush(stdout);
 
     UnixSignalWatcher signalWatcher;

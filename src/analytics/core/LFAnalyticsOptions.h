@@ -23,14 +23,18 @@ struct LFAnalyticsOptions
     QString displayName;                              // QCoreApplication::applicationName()
     QSize screenPixels;                               // the primary screen, when there is one
 
-    // Analytics log endpoints (scheme and host); both serve "/app_logs".
-    QString primaryLogHost = QStringLiteral("http://127.0.0.1:8080");
-    QString fallbackLogHost = QStringLiteral("http://127.0.0.1:8080");
+    // Analytics log endpoints (base URLs to which "/app_logs" is appended). Empty ones come
+    // from QUORVEL_ANALYTICS_URL and QUORVEL_ANALYTICS_FALLBACK_URL, else the local server's
+    // analytics port.
+    QString primaryLogHost;
+    QString fallbackLogHost;
 
     // Network facts; by default the platform's reachability (reachable when it cannot tell).
     std::function<bool()> networkReachable;
     // "WiFi", "CellNetwork" or anything else for other or unknown access.
     std::function<QString()> accessText;
+    // The mobile carrier's name; a desktop has none.
+    std::function<QString()> carrierName;
 
     bool integratedTestMode = false;
     bool debugging = false;

@@ -63,7 +63,6 @@ void LFAnalyticsSession::appInactivate(bool terminating)
         m_appInBackGround = true;
         // A session that already ended (resign active, then terminate) is not ended twice.
         if (m_sessionStatus == Active) {
-            m_sessionStatus = Ended;
             LFANTerminate record;
             record.session_id = sessionId;
             record.startTime = m_lastLaunchTime;
@@ -71,18 +70,19 @@ void LFAnalyticsSession::appInactivate(bool terminating)
             record.duration = recordedDuration(record.endTime - record.startTime);
             ended = std::move(record);
         }
+        m_sessionStatus = Ended;
         stopNow = m_appCrashed || m_appBeKilling || !m_context.app().backgroundTaskEnabled();
     }
-    // Terminating saves whatever memory holds, also when the session ended earlier.
-    if (!ended && !terminating)
-        return;
-    if (ended && !stopNow) {
+    if (!stopNow) {
+        if (!ended)
+            return;
         LFAnalyticsApp &app = m_context.app();
         if (!app.backgroundTaskRunning())
             app.setBackgroundTaskRunning(true);
         m_context.dispatch().send(std::move(*ended), LFEventTypeSessionEnd);
         return;
     }
+    // A crash or a kill saves whatever memory holds, also when the session ended earlier.
     if (ended)
         internal.stopSession(std::move(*ended));
     internal.saveAndCleanCache();

@@ -18,7 +18,7 @@
 class LFTBinaryProtocol;
 
 template <typename Record, typename T>
-struct LFTFieldSpec
+struct LFTFieldDescriptor
 {
     using Value = T;
     int16_t id;
@@ -43,7 +43,7 @@ public:                                                                         
         m_##name = Type();                                                                          \
         m_##name##IsSet = false;                                                                    \
     }                                                                                               \
-    static constexpr LFTFieldSpec<Record, Type> name##Field()                                       \
+    static constexpr LFTFieldDescriptor<Record, Type> name##Field()                                       \
     {                                                                                               \
         return {Id, #name, Required, &Record::m_##name, &Record::m_##name##IsSet};                  \
     }                                                                                               \
