@@ -3,6 +3,7 @@
 #include "LFAnalyticsApp.h"
 #include "LFAnalyticsContext.h"
 #include "LFAnalyticsInternal.h"
+#include "LFAnalyticsSender.h"
 #include "LFWorkDispatch.h"
 
 #include <QCoreApplication>
@@ -114,7 +115,11 @@ void LFAnalyticsSession::registerObservers()
                                  appInactivate(false);
                          });
     }
-    QObject::connect(app, &QCoreApplication::aboutToQuit, receiver, [this] { appInactivate(true); });
+    QObject::connect(app, &QCoreApplication::aboutToQuit, receiver, [this] {
+        appInactivate(true);
+        // A post under way gets a moment to finish; the files it leaves go at the next launch.
+        m_context.shutdownUploads(LFAnalyticsSender::kQuitWaitMs);
+    });
 }
 
 bool LFAnalyticsSession::observerRegistered() const
