@@ -5,6 +5,7 @@
 #include "LFTRecords.h"
 #include "LogEntrySample.h"
 #include "RatioReporter.h"
+#include "RepeatedRuns.h"
 #include "analytics_types.h"
 
 #include <benchmark/benchmark.h>
@@ -154,7 +155,9 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "the two encoders disagree on the benchmark entry\n");
         return 1;
     }
-    benchmark::Initialize(&argc, argv);
+    std::vector<char *> arguments = withRepeatedRuns(argc, argv);
+    int count = int(arguments.size()) - 1;
+    benchmark::Initialize(&count, arguments.data());
     RatioReporter reporter({{"Encode", "BM_Ours_Encode", "BM_Thrift_Encode", "Apache Thrift"},
                             {"Decode", "BM_Ours_Decode", "BM_Thrift_Decode", "Apache Thrift"}});
     benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -1,6 +1,7 @@
 #pragma once
 // Everything the analytics component takes from outside: time, settings store, folders, hosts,
-// network facts, and the two upload seams filled by the envelope and upload code. Plain value.
+// network facts, and the two upload seams (by default the envelope files and the upload
+// worker). Plain value.
 
 #include "LFAnalyticsClock.h"
 #include "UserDefaults.h"
@@ -39,8 +40,9 @@ struct LFAnalyticsOptions
     bool integratedTestMode = false;
     bool debugging = false;
 
-    // Turns an encoded log entry into an envelope file; true when one was written.
+    // Turns an encoded log entry into an envelope file; true when one was written. Empty:
+    // LFAnalyticsEnvelope::writeEnvelopeFile.
     std::function<bool(const QByteArray &logEntry)> envelopeWriter;
-    // Starts posting the waiting envelope files.
+    // Starts posting the waiting envelope files. Empty: LFAnalyticsSender::beginPerformJob.
     std::function<void()> performJob;
 };
