@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QUrl>
 
 namespace {
@@ -270,4 +271,30 @@ TEST_F(UploadTest, QuittingWaitsForARunningPostOnlyUntilItsTimeRunsOut)
     primary.release();
     EXPECT_TRUE(QFileInfo::exists(file));
     EXPECT_TRUE(fallback.requests().isEmpty());
+}
+
+TEST(LogHostsTest, EnvironmentThenTheLocalAnalyticsPortAndTheSetterWins)
+{
+    QTemporaryDir folder;
+    auto makeContext = [&folder] {
+        LFAnalyticsOptions options;
+        options.configStore = std::make_shared<UserDefaults>(folder.filePath(QStringLiteral("config.ini")));
+        options.cacheDirectory = folder.filePath(QStringLiteral("caches"));
+        return std::make_unique<LFAnalyticsContext>(std::move(options));
+    };
+    qunsetenv("QUORVEL_ANALYTICS_URL");
+    qunsetenv("QUORVEL_ANALYTICS_FALLBACK_URL");
+    EXPECT_EQ(makeContext()->logHosts(),
+              std::make_pair(QStringLiteral("http://127.0.0.1:8081"), QStringLiteral("http://127.0.0.1:8081")));
+
+    qputenv("QUORVEL_ANALYTICS_URL", "http://127.0.0.1:9001");
+    qputenv("QUORVEL_ANALYTICS_FALLBACK_URL", "http://127.0.0.1:9002/");
+    const std::unique_ptr<LFAnalyticsContext> context = makeContext();
+    qunsetenv("QUORVEL_ANALYTICS_URL");
+    qunsetenv("QUORVEL_ANALYTICS_FALLBACK_URL");
+    EXPECT_EQ(context->logHosts(),
+              std::make_pair(QStringLiteral("http://127.0.0.1:9001"), QStringLiteral("http://127.0.0.1:9002/")));
+    context->setLogHosts(QStringLiteral("http://127.0.0.1:9003"), QString());
+    EXPECT_EQ(context->logHosts(),
+              std::make_pair(QStringLiteral("http://127.0.0.1:9003"), QStringLiteral("http://127.0.0.1:9002/")));
 }
