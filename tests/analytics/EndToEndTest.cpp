@@ -2,9 +2,20 @@
 // app starts the facade (key, policy 1) reports "advertisingClick" and quits. Each launch
 // sends at its start what memory and the cache hold: the tap made before the session start was
 // worked goes out with it, and the session that the first launch ended goes out at the second.
+// Also the upload worker against the collector: flush waits for every file, and the
+// collector's imprint takes effect.
 
+#include "ChildComponent.h"
 #include "ChildRun.h"
 #include "CollectorProcess.h"
+#include "LFAnalyticsApp.h"
+#include "LFAnalyticsConfig.h"
+#include "LFAnalyticsContext.h"
+#include "LFAnalyticsEnvelope.h"
+#include "LFAnalyticsInternal.h"
+#include "LFAnalyticsSender.h"
+#include "LFAnalyticsThrift.h"
+#include "LFAnalyticsUtility.h"
 #include "ProgramRun.h"
 
 #include <gtest/gtest.h>
@@ -37,4 +48,29 @@ TEST(EndToEndTest, TheAppsSessionAndBannerTapReachTheReport)
     EXPECT_TRUE(session.match(report.out).hasMatch()) << report.out.toStdString();
     // Two launches, two envelopes, none refused.
     EXPECT_EQ(server.log().count("POST /app_logs 200"), 2) << server.log().toStdString();
+}
+
+TEST(UploadWorkerTest, FlushWaitsUntilTheCollectorHasEveryFile)
+{
+    CollectorProcess server({QStringLiteral("--imprint-codex"), QStringLiteral("1"),
+                             QStringLiteral("--imprint-report-interval"), QStringLiteral("600")});
+    ASSERT_FALSE(server.analyticsRoot().isEmpty()) << server.log().toStdString();
+    QTemporaryDir folder;
+    LFAnalyticsOptions options = ChildComponent::options(folder.path());
+    options.primaryLogHost = server.analyticsRoot();
+    options.fallbackLogHost = server.analyticsRoot();
+    LFAnalyticsContext context(std::move(options));
+    context.app().setAppid(QStringLiteral("3c1f9a27b84e0d65a2f7c913"));
+    for (int i = 0; i < 3; ++i)
+        ASSERT_TRUE(context.envelope().writeEnvelopeFile(context.thrift().toData()));
+
+    context.sender().beginPerformJob();
+    ASSERT_TRUE(context.sender().sendLogQueue().flush(30000));
+    EXPECT_FALSE(context.internal().isJobRunning());
+    EXPECT_TRUE(LFAnalyticsUtility::envelopeFiles(context.internal().envelopeDirectory()).isEmpty());
+    EXPECT_EQ(context.config().numberWithKey(QStringLiteral("lfSuccessfulRequests")), 3);
+    // The collector's imprint now asks for encryption and a ten-minute interval.
+    EXPECT_EQ(context.thrift().imprintPropertyValueWithKey(QStringLiteral("codex")), QStringLiteral("1"));
+    EXPECT_TRUE(context.envelope().shouldEncrypt());
+    EXPECT_EQ(context.app().logSendInterval(), 600);
 }

@@ -40,6 +40,7 @@ struct State
     LefiseixUncaughtExceptionHandler::Observer observer;
     struct sigaction previous[kSignalCount] = {};
     std::terminate_handler previousTerminate = nullptr;
+    stack_t previousStack = {};
     int recordFd = -1;
     char prepared[kSignalCount][kPreparedTextSize] = {};
     size_t preparedLength[kSignalCount] = {};
@@ -155,7 +156,7 @@ bool LefiseixUncaughtExceptionHandler::install(const QString &signalRecordPath, 
     stack_t stack = {};
     stack.ss_sp = alternateStack;
     stack.ss_size = sizeof alternateStack;
-    sigaltstack(&stack, nullptr);
+    sigaltstack(&stack, &s.previousStack);
     struct sigaction action = {};
     action.sa_sigaction = onSignal;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
@@ -176,6 +177,9 @@ void LefiseixUncaughtExceptionHandler::uninstall()
     for (int number : kCaughtSignals)
         sigaction(number, &s.previous[number], nullptr);
     std::set_terminate(s.previousTerminate);
+    // A stack that was not in use (or none) is given back as it was.
+    if (!(s.previousStack.ss_flags & SS_ONSTACK))
+        sigaltstack(&s.previousStack, nullptr);
     close(s.recordFd);
     s.recordFd = -1;
     s.installed = false;

@@ -36,13 +36,14 @@ LFANWorker::~LFANWorker()
     wait();
 }
 
-void LFANWorker::submit(QStringList envelopeFilePaths)
+bool LFANWorker::submit(QStringList envelopeFilePaths)
 {
     QMutexLocker lock(&m_mutex);
     if (m_stopping)
-        return;
+        return false;
     m_jobs.push_back(std::move(envelopeFilePaths));
     m_changed.wakeAll();
+    return true;
 }
 
 bool LFANWorker::flush(int timeoutMs)

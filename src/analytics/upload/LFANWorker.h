@@ -24,8 +24,9 @@ public:
     explicit LFANWorker(LFAnalyticsContext &context);
     ~LFANWorker() override;
 
-    // Queues a job: its files are posted oldest first; the job-running mark is cleared at its end.
-    void submit(QStringList envelopeFilePaths);
+    // Queues a job: its files are posted oldest first; the job-running mark is cleared at its
+    // end. False once the worker is shutting down: the job is not taken.
+    bool submit(QStringList envelopeFilePaths);
     // Waits until every job submitted so far has ended; false when the time ran out first.
     bool flush(int timeoutMs);
     // Takes no more jobs, lets a running post finish within the time, then cancels it and

@@ -54,7 +54,9 @@ void LFAnalyticsSender::beginPerformJob()
         LFAnalyticsUtility::removeFile(files.takeFirst());
     m_context.log(QStringLiteral("prepare to post log data"));
     internal.setJobRunning(true);
-    m_worker.submit(files);
+    // After quitting began the files wait for the next launch.
+    if (!m_worker.submit(files))
+        internal.setJobRunning(false);
 }
 
 bool LFAnalyticsSender::shutdown(int timeoutMs)
