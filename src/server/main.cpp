@@ -1,8 +1,6 @@
 // quorvel-server: the forum's reference server. See --help.
-#include "AnalyticsCollector.h"
 #include "AnalyticsReport.h"
-#include "AnalyticsStore.h"
-#include "CollectorHttpServer.h"
+#include "CollectorService.h"
 #include "DemoData.h"
 #include "ForumDatabase.h"
 #include "ForumHttpServer.h"
@@ -61,21 +59,12 @@ int main(int argc, char **argv)
     std::printf("quorvel-server listening on %s/api/\n", origin.toUtf8().constData());
 
     // The forum serves on even when the collector cannot: parallel servers share its default port.
-    const std::unique_ptr<AnalyticsStore> analyticsStore = AnalyticsStore::open(options.databasePath, &error);
-    std::unique_ptr<AnalyticsCollector> collector;
-    std::unique_ptr<CollectorHttpServer> collectorServer;
-    if (analyticsStore) {
-        collector = std::make_unique<AnalyticsCollector>(*analyticsStore, options.analytics,
-                                                         [] { return QDateTime::currentMSecsSinceEpoch(); });
-        collectorServer = std::make_unique<CollectorHttpServer>(*collector);
-    }
-    const quint16 analyticsPort = collectorServer ? collectorServer->listen(QHostAddress(options.host), options.analytics.port) : 0;
-    if (analyticsPort != 0)
-        std::printf("quorvel-server analytics listening on http://%s:%u (POST /app_logs)\n", options.host.toUtf8().constData(),
-                    unsigned(analyticsPort));
+    const std::unique_ptr<CollectorService> collector =
+        CollectorService::start(options.databasePath, options.host, options.analytics, &error);
+    if (collector)
+        std::printf("quorvel-server analytics listening on %s (POST /app_logs)\n", collector->root().toUtf8().constData());
     else
-        serverLog(QStringLiteral("analytics collector not started: %1")
-                      .arg(analyticsStore ? QStringLiteral("cannot listen on %1:%2").arg(options.host).arg(options.analytics.port) : error));
+        serverLog(QStringLiteral("analytics collector not started: %1").arg(error));
     std::fflush(stdout);
 
     UnixSignalWatcher signalWatcher;
