@@ -1,6 +1,7 @@
 #pragma once
 // Process-wide crash capture: uncaught C++ exceptions through std::set_terminate and the fatal
 // signals SIGABRT, SIGILL, SIGSEGV, SIGFPE and SIGBUS through sigaction on an alternate stack.
+// Any thread: install and uninstall from the main thread, the handlers on whichever crashes.
 //
 // An uncaught exception is recorded at once, on the thread that let it escape: the recorder
 // takes its own locks, so it does not wait for the main thread, which may be the one that is
@@ -21,7 +22,6 @@
 class LefiseixUncaughtExceptionHandler
 {
 public:
-    static inline const QString kCrashCatchNotification = QStringLiteral("LFAnalyticsCrashCatch");
     static inline const QString kSignalExceptionName = QStringLiteral("signalRaisedException");
     static constexpr int kCaughtSignals[] = {SIGABRT, SIGILL, SIGSEGV, SIGFPE, SIGBUS};
     static constexpr int kMaxFrames = 128;
@@ -42,7 +42,8 @@ public:
     // Restores the handlers that were in force before install.
     static void uninstall();
     static bool installed();
-    // The observer of "LFAnalyticsCrashCatch"; an empty one stops observing.
+    // The observer of "LFAnalyticsCrashCatch", the one receiver of crash reports; an empty one
+    // stops observing.
     static void setObserver(Observer observer);
 
     // The record a signal left in `signalRecordPath` at an earlier launch, or nothing. The

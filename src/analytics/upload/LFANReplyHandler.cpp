@@ -41,7 +41,7 @@ bool LFANReplyHandler::handle(int status, const QByteArray &contentType, const Q
         return false;
     }
     LFAnalyticsThrift &thrift = m_context.thrift();
-    const std::optional<LFTResponse> response = thrift.fromData(body);
+    const std::optional<LFTResponse> response = thrift.verifyResponseData(body);
     if (!response) {
         // A reply that cannot be read leaves the file for the next attempt.
         count(kFailedRequestsKey);

@@ -31,13 +31,12 @@ public:
     AnalyticsCollector(AnalyticsStore &store, const CollectorOptions &options, std::function<qint64()> nowMs);
 
     Reply handle(const QByteArray &method, const QByteArray &path, const QByteArray &body);
-    // The imprint sent with every accepted upload; its checksum follows the client's rule.
-    const LFTImprint &imprint() const { return m_imprint; }
 
 private:
     Reply respond(int32_t code, const QString &message, bool withImprint) const;
 
     AnalyticsStore &m_store;
+    // Sent with every accepted upload; its checksum follows the client's rule.
     LFTImprint m_imprint;
     std::function<qint64()> m_nowMs;
 };
