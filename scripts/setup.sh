@@ -10,7 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   qt6-webengine-dev qt6-base-private-dev qt6-svg-dev
   fonts-noto-cjk xvfb xauth curl xdotool
-  thrift-compiler libthrift-dev libboost-dev
+  thrift-compiler libthrift-dev libboost-dev python3
   clang-14 libclang-rt-14-dev
 )
 

@@ -3,6 +3,9 @@
 // data, in the same run. Prints the speed ratios at the end.
 
 #include "LFTRecords.h"
+#include "LogEntrySample.h"
+#include "RatioReporter.h"
+#include "RepeatedRuns.h"
 #include "analytics_types.h"
 
 #include <benchmark/benchmark.h>
@@ -19,89 +22,7 @@ namespace o = quorvel_oracle;
 using apache::thrift::protocol::TBinaryProtocol;
 using apache::thrift::transport::TMemoryBuffer;
 
-constexpr int kSessions = 10;
-constexpr int kEventsPerSession = 100;
-constexpr int kPagesPerSession = 5;
-constexpr int64_t kStartMs = 1700000000000;
-
-std::string sessionId(int session)
-{
-    return "5f2b8c1e9a7d4e6b8c0a1f3e5d7b9c" + std::to_string(10 + session);
-}
-
-// The events alternate: a plain event with a label, then an attribute event with three values.
-LFTUALogEntry ourEntry()
-{
-    LFTUALogEntry entry;
-    LFTClientStats stats;
-    stats.setSuccessful_requests(10);
-    stats.setFailed_requests(1);
-    entry.setClient_stats(stats);
-    LFTAppInfo app;
-    app.setKey(QStringLiteral("3c1f9a27b84e0d65a2f7c913"));
-    app.setVersion(QStringLiteral("1.0.0"));
-    app.setSdk_type(1);
-    app.setSdk_version(QStringLiteral("3.6.6"));
-    app.setChannel(QStringLiteral("App Store"));
-    entry.setApp_info(app);
-    LFTDeviceInfo device;
-    device.setDevice_id(QStringLiteral("699ea1fa5adbd7cb5d6741621e931b622d99c077"));
-    device.setModel(QStringLiteral("x86_64"));
-    device.setOs(QStringLiteral("debian"));
-    entry.setDevice_info(device);
-    entry.setMisc_info({});
-
-    LFTInstantMsgList messages;
-    LFTSessionList sessions;
-    for (int s = 0; s < kSessions; ++s) {
-        const QString id = QString::fromStdString(sessionId(s));
-        LFTEventList events;
-        for (int e = 0; e < kEventsPerSession; ++e) {
-            LFTEvent event;
-            const QString name = QStringLiteral("event_%1").arg(e % 20);
-            event.setName(name);
-            LFTPropertyMap properties;
-            if (e % 2 == 0) {
-                LFTPropertyValue label;
-                label.setString_value(QStringLiteral("label_%1").arg(e));
-                properties.insert(name, label);
-                event.setAcc(1);
-            } else {
-                for (int k = 0; k < 3; ++k) {
-                    LFTPropertyValue value;
-                    value.setString_value(QStringLiteral("value_%1").arg(e * 3 + k));
-                    properties.insert(QStringLiteral("key_%1").arg(k), value);
-                }
-                event.setDuration(250 + e);
-            }
-            event.setProperties(properties);
-            event.setTs(kStartMs + s * 600000 + e * 1000);
-            events.append(event);
-        }
-        LFTInstantMsg message;
-        message.setId(id);
-        message.setEvents(events);
-        messages.append(message);
-
-        LFTPageList pages;
-        for (int p = 0; p < kPagesPerSession; ++p) {
-            LFTPage page;
-            page.setPage_name(QStringLiteral("ViewController%1").arg(p));
-            page.setDuration(1000 * (p + 3));
-            pages.append(page);
-        }
-        LFTSession session;
-        session.setId(id);
-        session.setStart_time(kStartMs + s * 600000);
-        session.setEnd_time(kStartMs + s * 600000 + 300000);
-        session.setDuration(300000);
-        session.setPages(pages);
-        sessions.append(session);
-    }
-    entry.setInstant_msgs(messages);
-    entry.setSessions(sessions);
-    return entry;
-}
+using namespace benchentry;
 
 o::UALogEntry theirEntry()
 {
@@ -225,39 +146,6 @@ BENCHMARK(BM_Thrift_Encode);
 BENCHMARK(BM_Ours_Decode);
 BENCHMARK(BM_Thrift_Decode);
 
-// Keeps each benchmark's time per iteration so the ratios can be printed after the table: the
-// median when the runs are repeated, since the figures are noisy on a shared machine.
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        // A repeated benchmark's aggregates follow its runs, so its median is kept last.
-        for (const Run &run : runs) {
-            if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median")
-                m_nanoseconds[run.run_name.function_name] = run.GetAdjustedRealTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    void Finalize() override
-    {
-        ConsoleReporter::Finalize();
-        for (const char *operation : {"Encode", "Decode"}) {
-            const std::string ours = std::string("BM_Ours_") + operation;
-            const std::string theirs = std::string("BM_Thrift_") + operation;
-            if (!m_nanoseconds.count(ours) || !m_nanoseconds.count(theirs))
-                continue;
-            std::printf("%s: ours %.1f us, Apache Thrift %.1f us, ours is %.2fx faster\n", operation,
-                        m_nanoseconds[ours] / 1000, m_nanoseconds[theirs] / 1000,
-                        m_nanoseconds[theirs] / m_nanoseconds[ours]);
-        }
-    }
-
-private:
-    std::map<std::string, double> m_nanoseconds;
-};
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -267,8 +155,11 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "the two encoders disagree on the benchmark entry\n");
         return 1;
     }
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    std::vector<char *> arguments = withRepeatedRuns(argc, argv);
+    int count = int(arguments.size()) - 1;
+    benchmark::Initialize(&count, arguments.data());
+    RatioReporter reporter({{"Encode", "BM_Ours_Encode", "BM_Thrift_Encode", "Apache Thrift"},
+                            {"Decode", "BM_Ours_Decode", "BM_Thrift_Decode", "Apache Thrift"}});
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;

@@ -77,6 +77,7 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
                        "nothing, 2 launch every time; default 0)."),
         QStringLiteral("policy"), QString::number(options.pushLaunchPolicy));
     parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard, pushPolicy});
+    parser.addOptions(CollectorOptions::commandLineOptions());
 
     if (!parser.parse(arguments))
         return {std::nullopt, parser.errorText() + QLatin1Char('\n'), 2};
@@ -117,5 +118,10 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         *number.target = *value;
     }
     options.port = static_cast<quint16>(portNumber);
+    QString analyticsError;
+    const std::optional<CollectorOptions> analytics = CollectorOptions::fromParser(parser, &analyticsError);
+    if (!analytics)
+        return {std::nullopt, analyticsError, 2};
+    options.analytics = *analytics;
     return {options, QString(), 0};
 }

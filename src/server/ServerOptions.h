@@ -1,6 +1,8 @@
 #pragma once
 // The server's settings, read from the command line. Plain data; any thread.
 
+#include "CollectorOptions.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -26,6 +28,7 @@ struct ServerOptions
     int maxContentLength = kDefaultMaxContentLength;
     int bulkBoardTopics = 0;  // topics of the extra board seeded into a new database; 0 = none
     int pushLaunchPolicy = 0;  // the report policy the push gateway hands to clients (0, 1, 2)
+    CollectorOptions analytics;  // the analytics log collector, in the same database file
 };
 
 // The outcome of reading the command line: options to run with, or text to print and the

@@ -1,4 +1,6 @@
 // quorvel-server: the forum's reference server. See --help.
+#include "AnalyticsReport.h"
+#include "CollectorService.h"
 #include "DemoData.h"
 #include "ForumDatabase.h"
 #include "ForumHttpServer.h"
@@ -24,6 +26,8 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quorvel-server"));
+    if (QCoreApplication::arguments().value(1) == AnalyticsReport::kCommand)
+        return AnalyticsReport::run(QCoreApplication::arguments().mid(2));
 
     if (PushSendCommand::isRequested(QCoreApplication::arguments()))
         return PushSendCommand::run(QCoreApplication::arguments());
@@ -69,6 +73,14 @@ int main(int argc, char **argv)
     const QString origin = QStringLiteral("http://%1:%2").arg(options.host).arg(port);
     router.setFallbackOrigin(origin);
     std::printf("quorvel-server listening on %s/api/\n", origin.toUtf8().constData());
+
+    // The forum serves on even when the collector cannot: parallel servers share its default port.
+    const std::unique_ptr<CollectorService> collector =
+        CollectorService::start(options.databasePath, options.host, options.analytics, &error);
+    if (collector)
+        std::printf("quorvel-server analytics listening on %s (POST /app_logs)\n", collector->root().toUtf8().constData());
+    else
+        serverLog(QStringLiteral("analytics collector not started: %1").arg(error));
     std::fflush(stdout);
 
     UnixSignalWatcher signalWatcher;

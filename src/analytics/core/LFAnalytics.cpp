@@ -112,5 +112,15 @@ void LFAnalytics::setWrapperType(const QString &wrapperType, const QString &wrap
     setWrapperVersion(wrapperVersion);
 }
 
+void LFAnalytics::setLogUrls(const QString &primaryUrl, const QString &fallbackUrl)
+{
+    component().setLogHosts(primaryUrl, fallbackUrl);
+}
+
+bool LFAnalytics::finishUploads(int timeoutMs)
+{
+    return component().shutdownUploads(timeoutMs);
+}
+
 void LFAnalytics::setLatency(int seconds) { component().job().setLatency(seconds); }
 void LFAnalytics::startSession() { component().session().appActivate(); }

@@ -60,4 +60,13 @@ public:
 
     static void setLatency(int seconds);
     static void startSession();
+
+    // Points uploads at other analytics log endpoints: base URLs to which "/app_logs" is
+    // appended (the app's --analytics-url and --analytics-fallback-url). An empty URL keeps the
+    // one in force: QUORVEL_ANALYTICS_URL / QUORVEL_ANALYTICS_FALLBACK_URL, else
+    // http://127.0.0.1:8081.
+    static void setLogUrls(const QString &primaryUrl, const QString &fallbackUrl);
+    // For the app's quit: lets a running post finish within the time (2 s by default) and
+    // ends the upload worker. True when nothing was left running.
+    static bool finishUploads(int timeoutMs = 2000);
 };

@@ -3,6 +3,7 @@
 #include "LFANUtil.h"
 #include "LFAnalyticsConfig.h"
 #include "LFAnalyticsContext.h"
+#include "LFAnalyticsInternal.h"
 #include "LFAnalyticsSession.h"
 #include "LFAnalyticsThrift.h"
 #include "LFWorkDispatch.h"
@@ -81,7 +82,10 @@ void LFAnalyticsApp::startWithAppkey(const QString &appKey, uint32_t reportPolic
         setChannel(channelId);
 
     LFAnalyticsSession &session = m_context.session();
-    session.registerObservers();
+    if (!session.observerRegistered()) {
+        session.registerObservers();
+        applyCrashReportSetting();
+    }
     auto activateFirstSession = [&session] {
         if (session.sessionStatus() == LFAnalyticsSession::NeverStarted)
             session.appActivate();
@@ -108,7 +112,43 @@ LF_GUARDED_ACCESSORS(QString, appVersion, setAppVersion, m_appVersion)
 LF_GUARDED_ACCESSORS(bool, logEnabled, setLogEnabled, m_logEnabled)
 LF_GUARDED_ACCESSORS(bool, encryptEnabled, setEncryptEnabled, m_encryptEnabled)
 LF_GUARDED_ACCESSORS(bool, backgroundTaskEnabled, setBackgroundTaskEnabled, m_backgroundTaskEnabled)
-LF_GUARDED_ACCESSORS(bool, crashReportEnabled, setCrashReportEnabled, m_crashReportEnabled)
+
+bool LFAnalyticsApp::crashReportEnabled() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_crashReportEnabled;
+}
+
+void LFAnalyticsApp::setCrashReportEnabled(bool enabled)
+{
+    {
+        QMutexLocker lock(&m_mutex);
+        m_crashReportEnabled = enabled;
+    }
+    applyCrashReportSetting();
+}
+
+void LFAnalyticsApp::applyCrashReportSetting()
+{
+    const bool enabled = crashReportEnabled();
+    if (enabled == appCrashedHandlerInstalled())
+        return;
+    if (enabled)
+        m_context.internal().installUncaughtExceptionHandler();
+    else
+        m_context.internal().removeUncaughtExceptionHandler();
+    QMutexLocker lock(&m_mutex);
+    m_appCrashedHandlerInstalled = enabled;
+}
+
+void LFAnalyticsApp::forgetCrashHandlers()
+{
+    if (!appCrashedHandlerInstalled())
+        return;
+    m_context.internal().removeUncaughtExceptionHandler();
+    QMutexLocker lock(&m_mutex);
+    m_appCrashedHandlerInstalled = false;
+}
 LF_GUARDED_ACCESSORS(bool, backgroundTaskRunning, setBackgroundTaskRunning, m_backgroundTaskRunning)
 LF_GUARDED_ACCESSORS(uint32_t, storedReportPolicy, setReportPolicy, m_reportPolicy)
 
@@ -138,10 +178,10 @@ uint32_t LFAnalyticsApp::reportPolicy() const
         policy = storedValue(m_context, QStringLiteral("lfcReportPolicy"));
     const uint32_t value = policy ? LFANUtil::toUnsigned32(*policy) : storedReportPolicy();
 
-    if (value == 0 && options.integratedTestMode && options.debugging)
-        return 0;
-    if (value > 8 || (value != 1 && value != 6 && value != 8))
-        return 1;
+    if (value == kPolicyRealtime && options.integratedTestMode && options.debugging)
+        return kPolicyRealtime;
+    if (value != kPolicyLaunch && value != kPolicyInterval && value != kPolicyBackground)
+        return kPolicyLaunch;
     return value;
 }
 
@@ -151,7 +191,7 @@ double LFAnalyticsApp::minReportInterval() const
         return kMinReportInterval;
     std::optional<double> interval;
     const std::optional<double> experiment = m_context.config().numberWithKey(QStringLiteral("lfExperimentRPT"));
-    if (experiment && *experiment == 6)
+    if (experiment && *experiment == kPolicyInterval)
         interval = serverValue(m_context, QStringLiteral("test_report_interval"));
     if (!interval)
         interval = serverValue(m_context, QStringLiteral("report_interval"));

@@ -12,9 +12,16 @@ class LFAnalyticsContext;
 class LFAnalyticsApp
 {
 public:
+    // Report policies: send every 15 s, at launch only, every interval, or in background.
+    static constexpr uint32_t kPolicyRealtime = 0;
+    static constexpr uint32_t kPolicyLaunch = 1;
+    static constexpr uint32_t kPolicyInterval = 6;
+    static constexpr uint32_t kPolicyBackground = 8;
     static constexpr double kMinReportInterval = 90;
     static constexpr double kMaxReportInterval = 86400;
     static inline const QString kSdkVersion = QStringLiteral("3.6.6");
+    // The SDK type named in the upload's "X-Lefiseix-Sdk" header.
+    static inline const QString kSdkTypeName = QStringLiteral("Qt");
 
     explicit LFAnalyticsApp(LFAnalyticsContext &context);
 
@@ -39,6 +46,10 @@ public:
     void setBackgroundTaskEnabled(bool enabled);
     bool crashReportEnabled() const;
     void setCrashReportEnabled(bool enabled);
+    // Installs or removes the crash handlers as crashReportEnabled says.
+    void applyCrashReportSetting();
+    // Removes the crash handlers this component installed (it is going away).
+    void forgetCrashHandlers();
     bool appCrashedHandlerInstalled() const;
     double logSendInterval() const;
     // Whether a background task is running (desktop background tasks do nothing).

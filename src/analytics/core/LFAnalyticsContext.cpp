@@ -3,10 +3,12 @@
 #include "LFAnalyticsApp.h"
 #include "LFAnalyticsConfig.h"
 #include "LFAnalyticsDevice.h"
+#include "LFAnalyticsEnvelope.h"
 #include "LFAnalyticsEvent.h"
 #include "LFAnalyticsInternal.h"
 #include "LFAnalyticsJob.h"
 #include "LFAnalyticsLocation.h"
+#include "LFAnalyticsSender.h"
 #include "LFAnalyticsSession.h"
 #include "LFAnalyticsThrift.h"
 #include "LFWorkDispatch.h"
@@ -40,6 +42,10 @@ LFAnalyticsOptions withDefaults(LFAnalyticsOptions options)
         options.cacheDirectory = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
     if (options.bundleIdentifier.isEmpty())
         options.bundleIdentifier = defaultBundleIdentifier();
+    if (options.primaryLogHost.isEmpty())
+        options.primaryLogHost = qEnvironmentVariable("QUORVEL_ANALYTICS_URL", LFAnalyticsContext::kDefaultLogHost);
+    if (options.fallbackLogHost.isEmpty())
+        options.fallbackLogHost = qEnvironmentVariable("QUORVEL_ANALYTICS_FALLBACK_URL", LFAnalyticsContext::kDefaultLogHost);
     return options;
 }
 } // namespace
@@ -58,13 +64,44 @@ LFAnalyticsContext::LFAnalyticsContext(LFAnalyticsOptions options)
     m_internal = std::make_unique<LFAnalyticsInternal>(*this);
     m_event = std::make_unique<LFAnalyticsEvent>(*this);
     m_job = std::make_unique<LFAnalyticsJob>(*this);
+    m_envelope = std::make_unique<LFAnalyticsEnvelope>(*this);
+    m_sender = std::make_unique<LFAnalyticsSender>(*this);
+    m_primaryLogHost = m_options.primaryLogHost;
+    m_fallbackLogHost = m_options.fallbackLogHost;
+    if (!m_options.envelopeWriter)
+        m_options.envelopeWriter = [this](const QByteArray &entry) { return m_envelope->writeEnvelopeFile(entry); };
+    if (!m_options.performJob)
+        m_options.performJob = [this] { m_sender->beginPerformJob(); };
     m_app->updateLogSendInterval();
 }
 
 LFAnalyticsContext::~LFAnalyticsContext()
 {
+    m_app->forgetCrashHandlers();
+    // No post may outlive the companions it reads.
+    m_sender.reset();
     // Drop queued work before the companions it would touch are gone.
     m_dispatch.reset();
+}
+
+std::pair<QString, QString> LFAnalyticsContext::logHosts() const
+{
+    QMutexLocker lock(&m_hostsMutex);
+    return {m_primaryLogHost, m_fallbackLogHost};
+}
+
+void LFAnalyticsContext::setLogHosts(const QString &primary, const QString &fallback)
+{
+    QMutexLocker lock(&m_hostsMutex);
+    if (!primary.isEmpty())
+        m_primaryLogHost = primary;
+    if (!fallback.isEmpty())
+        m_fallbackLogHost = fallback;
+}
+
+bool LFAnalyticsContext::shutdownUploads(int timeoutMs)
+{
+    return m_sender->shutdown(timeoutMs);
 }
 
 LFAnalyticsContext &LFAnalyticsContext::shared()

@@ -4,6 +4,8 @@
 #include "LFAnalyticsContext.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QUuid>
 #include <QDateTime>
 #include <QFile>
 #include <QGuiApplication>
@@ -33,6 +35,13 @@ LFAnalyticsDevice::LFAnalyticsDevice(LFAnalyticsContext &context)
 QString LFAnalyticsDevice::deviceId() const
 {
     return DeviceIdentifier::value();
+}
+
+QString LFAnalyticsDevice::vendorIdentifier() const
+{
+    const QByteArray digest = QCryptographicHash::hash((bundleIdentifier() + deviceId()).toUtf8(),
+                                                       QCryptographicHash::Sha1);
+    return QUuid::fromRfc4122(digest.left(16)).toString(QUuid::WithoutBraces).toUpper();
 }
 
 QString LFAnalyticsDevice::model() const
@@ -97,6 +106,12 @@ QString LFAnalyticsDevice::displayName() const
 {
     const QString &name = m_context.options().displayName;
     return name.isEmpty() ? QCoreApplication::applicationName() : name;
+}
+
+QString LFAnalyticsDevice::carrier() const
+{
+    const auto &carrierName = m_context.options().carrierName;
+    return carrierName ? carrierName() : QString();
 }
 
 QString LFAnalyticsDevice::bundleIdentifier() const

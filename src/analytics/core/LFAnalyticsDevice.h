@@ -16,6 +16,9 @@ public:
     explicit LFAnalyticsDevice(LFAnalyticsContext &context);
 
     QString deviceId() const;
+    // The identifier this app's vendor sees on this device: a UUID text made from the bundle
+    // identifier and the device identifier, stable across launches.
+    QString vendorIdentifier() const;
     QString model() const;
     QString cpu() const;
     QString os() const;
@@ -29,6 +32,8 @@ public:
     QString language() const;
     QString country() const;
     QString displayName() const;
+    // The mobile carrier's name, or an empty text when the platform knows none.
+    QString carrier() const;
     QString bundleIdentifier() const;
 
     bool networkReachable() const;

@@ -13,6 +13,9 @@ const QString kReservedKeysMessage = QStringLiteral(
 const QString kEkvTypeMessage = QStringLiteral(
     "LFLOG: (ERROR) Lefiseix event's keys and values must be string ,key's max length 128 and "
     "value's max length 256");
+const QString kGkvTypeMessage = QStringLiteral(
+    "LFLOG: (ERROR) Lefiseix event's keys and values must be string ,key's max length 64 and "
+    "value's max length 256");
 const QString kReservedKeys[] = {QStringLiteral("id"), QStringLiteral("ts"), QStringLiteral("du")};
 } // namespace
 
@@ -64,16 +67,22 @@ std::optional<QVariantMap> LFAnalyticsEvent::validateAttributes(const QVariantMa
     const bool appEvent = kind != QStringLiteral("gkv");
     QVariantMap cleaned;
     for (auto it = kept.cbegin(); it != kept.cend(); ++it) {
-        const QString key = LFANUtil::getString(it.key(), kMaxKeyBytes);
+        // A null key stands for a missing one; an empty key is still a string and is kept.
+        const bool keyIsString = !it.key().isNull();
         if (!appEvent) {
-            cleaned.insert(key, it.value());
+            if (!keyIsString) {
+                m_context.logAlways(kGkvTypeMessage);
+                continue;
+            }
+            cleaned.insert(LFANUtil::getString(it.key(), kMaxKeyBytes), it.value());
             continue;
         }
-        if (it.value().typeId() != QMetaType::QString || it.key().isEmpty()) {
+        if (!keyIsString || it.value().typeId() != QMetaType::QString) {
             m_context.logAlways(kEkvTypeMessage);
             continue;
         }
-        cleaned.insert(key, LFANUtil::getString(it.value().toString(), kMaxValueBytes));
+        cleaned.insert(LFANUtil::getString(it.key(), kMaxKeyBytes),
+                       LFANUtil::getString(it.value().toString(), kMaxValueBytes));
     }
     return cleaned;
 }

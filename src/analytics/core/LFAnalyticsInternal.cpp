@@ -73,13 +73,14 @@ void LFAnalyticsInternal::work(const LFDispatchEvent &event)
     case LFEventTypeSessionStart:
         loadCache();
         if (!m_context.session().appInBackGround())
-            m_context.job().preparePerformJob(0);
+            m_context.job().preparePerformJob(LFAnalyticsJob::kTriggerSessionStart);
         m_context.log(QStringLiteral("session begin:%1").arg(m_sessionId));
         return;
     case LFEventTypeSessionEnd:
         stopSession(std::any_cast<LFANTerminate>(object));
-        if (m_context.app().reportPolicy() == 8 && m_context.app().backgroundTaskEnabled())
-            m_context.job().preparePerformJob(1);
+        if (m_context.app().reportPolicy() == LFAnalyticsApp::kPolicyBackground
+            && m_context.app().backgroundTaskEnabled())
+            m_context.job().preparePerformJob(LFAnalyticsJob::kTriggerSessionEnd);
         saveAndCleanCache();
         m_context.app().setBackgroundTaskRunning(false);
         m_context.log(QStringLiteral("session end:%1").arg(m_sessionId));

@@ -7,6 +7,8 @@
 #include "LFAnalyticsRecords.h"
 #include "LFWorkDispatch.h"
 
+#include "LFCrashReport.h"
+
 #include <QHash>
 #include <QRecursiveMutex>
 #include <QString>
@@ -27,6 +29,22 @@ public:
     void setSessionId(const QString &sessionId);
 
     void workEvent(const LFDispatchEvent &event);
+
+    // The source value of error records made from crashes.
+    static constexpr int kCrashErrorSource = 1;
+    // Records an error at once, stamped with the current session and outside the event limit,
+    // with the image lines appended (of `imageInfo`, or of this process when it is empty): a
+    // crashing process cannot wait for the main thread.
+    void error(const QString &crashText, const QVariantMap &imageInfo = {});
+    void setErrorSupportInfo(const QVariantMap &info);
+    // Records a crash reported by the crash handlers and ends the session at once.
+    void saveCrashInfo(const LFCrashReport &report);
+    // Installs the crash handlers and observes them; first records a signal that a
+    // crash at an earlier launch left behind. Once per process.
+    void installUncaughtExceptionHandler();
+    // Stops observing the crash handlers and restores the earlier ones.
+    void removeUncaughtExceptionHandler();
+    QString signalRecordPath() const;
 
     // Ends the current session: a session-end record with the pages and any location.
     void stopSession(double duration);
@@ -90,6 +108,7 @@ private:
     QHash<QString, double> m_pageBegins;
     QString m_wrapperType;
     QString m_wrapperVersion;
+    QVariantMap m_errorSupportInfo;
     bool m_jobRunning = false;
     // Whether memory already holds what the cache file holds (or there is none), so it is
     // neither added twice nor overwritten or removed unread.

@@ -43,9 +43,9 @@ bool LFAnalyticsJob::defconPass() const
     if (!elapsed)
         return true;
     switch (defconLevel()) {
-    case 1: return *elapsed >= 14400;
-    case 2: return *elapsed >= 28800;
-    case 3: return *elapsed >= 86400;
+    case 1: return *elapsed >= kDefconLevel1Delay;
+    case 2: return *elapsed >= kDefconLevel2Delay;
+    case 3: return *elapsed >= kDefconLevel3Delay;
     default: return true;
     }
 }
@@ -57,13 +57,13 @@ bool LFAnalyticsJob::shouldCommitJob(int trigger) const
     const std::optional<double> elapsed = sinceLastPost();
     LFAnalyticsApp &app = m_context.app();
     switch (app.reportPolicy()) {
-    case 0:
+    case LFAnalyticsApp::kPolicyRealtime:
         return !elapsed || *elapsed > kRealtimeInterval;
-    case 1:
-        return trigger == 0;
-    case 6:
+    case LFAnalyticsApp::kPolicyLaunch:
+        return trigger == kTriggerSessionStart;
+    case LFAnalyticsApp::kPolicyInterval:
         return !elapsed || *elapsed > app.logSendInterval();
-    case 8:
+    case LFAnalyticsApp::kPolicyBackground:
         if (m_context.session().appInBackGround())
             return app.backgroundTaskEnabled();
         return !elapsed || *elapsed > (app.backgroundTaskEnabled() ? kBackgroundInterval : kForegroundInterval);

@@ -13,6 +13,13 @@ class LFAnalyticsContext;
 class LFAnalyticsJob
 {
 public:
+    // What asked for a send: a session start or a session end.
+    static constexpr int kTriggerSessionStart = 0;
+    static constexpr int kTriggerSessionEnd = 1;
+    // Seconds since the last post that back-off levels 1, 2 and 3 ask for before the next one.
+    static constexpr double kDefconLevel1Delay = 14400;
+    static constexpr double kDefconLevel2Delay = 28800;
+    static constexpr double kDefconLevel3Delay = 86400;
     static constexpr uint32_t kMaxLatency = 1800;
     static constexpr uint32_t kDefaultLatencyLimit = 10;
     static constexpr double kLatentThreshold = 1296000;      // 15 days
@@ -26,7 +33,7 @@ public:
 
     static LFAnalyticsJob &shared();
 
-    // Trigger 0 at session start, 1 at session end.
+    // kTriggerSessionStart or kTriggerSessionEnd.
     void preparePerformJob(int trigger);
     bool shouldCommitJob(int trigger) const;
     bool ready() const;

@@ -3,6 +3,7 @@
 #include "LFAnalyticsApp.h"
 #include "LFAnalyticsContext.h"
 #include "LFAnalyticsInternal.h"
+#include "LFAnalyticsSender.h"
 #include "LFWorkDispatch.h"
 
 #include <QCoreApplication>
@@ -63,7 +64,6 @@ void LFAnalyticsSession::appInactivate(bool terminating)
         m_appInBackGround = true;
         // A session that already ended (resign active, then terminate) is not ended twice.
         if (m_sessionStatus == Active) {
-            m_sessionStatus = Ended;
             LFANTerminate record;
             record.session_id = sessionId;
             record.startTime = m_lastLaunchTime;
@@ -71,18 +71,19 @@ void LFAnalyticsSession::appInactivate(bool terminating)
             record.duration = recordedDuration(record.endTime - record.startTime);
             ended = std::move(record);
         }
+        m_sessionStatus = Ended;
         stopNow = m_appCrashed || m_appBeKilling || !m_context.app().backgroundTaskEnabled();
     }
-    // Terminating saves whatever memory holds, also when the session ended earlier.
-    if (!ended && !terminating)
-        return;
-    if (ended && !stopNow) {
+    if (!stopNow) {
+        if (!ended)
+            return;
         LFAnalyticsApp &app = m_context.app();
         if (!app.backgroundTaskRunning())
             app.setBackgroundTaskRunning(true);
         m_context.dispatch().send(std::move(*ended), LFEventTypeSessionEnd);
         return;
     }
+    // A crash or a kill saves whatever memory holds, also when the session ended earlier.
     if (ended)
         internal.stopSession(std::move(*ended));
     internal.saveAndCleanCache();
@@ -114,7 +115,11 @@ void LFAnalyticsSession::registerObservers()
                                  appInactivate(false);
                          });
     }
-    QObject::connect(app, &QCoreApplication::aboutToQuit, receiver, [this] { appInactivate(true); });
+    QObject::connect(app, &QCoreApplication::aboutToQuit, receiver, [this] {
+        appInactivate(true);
+        // A post under way gets a moment to finish; the files it leaves go at the next launch.
+        m_context.shutdownUploads(LFAnalyticsSender::kQuitWaitMs);
+    });
 }
 
 bool LFAnalyticsSession::observerRegistered() const

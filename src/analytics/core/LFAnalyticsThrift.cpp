@@ -195,6 +195,8 @@ LFTMiscInfo LFAnalyticsThrift::buildMiscInfo() const
     info.setTime_zone(device.timeZoneHours());
     info.setLanguage(device.language());
     info.setCountry(device.country());
+    if (const QString carrier = device.carrier(); !carrier.isEmpty())
+        info.setCarrier(carrier);
     info.setDisplay_name(device.displayName());
     const QString access = device.accessText();
     info.setAccess_type(access == QStringLiteral("WiFi") ? 2 : access == QStringLiteral("CellNetwork") ? 1 : 0);

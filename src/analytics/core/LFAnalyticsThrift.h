@@ -42,6 +42,20 @@ public:
     // A value of the stored imprint ("lfImprint"), or a null string.
     QString imprintPropertyValueWithKey(const QString &key) const;
 
+    // Back-off levels from this one on are stored as level 0.
+    static constexpr int kMaxDefconLevel = 4;
+    // The reply, or nothing when it cannot be read.
+    std::optional<LFTResponse> verifyResponseData(const QByteArray &data) const { return fromData(data); }
+    // MD5 over each key in case-insensitive order ("%@%@%qi%@" key, value, ts, guid, or
+    // "%@%qi%@" without a value) and then the version ("%d"), in lowercase hex.
+    static QString generateImprintChecksum(const LFTImprint &imprint);
+    static bool validateImprintChecksum(const LFTImprint &imprint);
+    // Merges a server imprint into the stored one and applies its back-off level, experiment
+    // and intervals. Any thread.
+    void updateImprint(const LFTImprint &imprint);
+    // Reads "client_test": groups split by "|", each "KEY:VALUE" pairs split by ",".
+    void configureExperimentWithString(const QString &text);
+
 private:
     LFAnalyticsContext &m_context;
 };

@@ -45,10 +45,21 @@ void LFTBinaryProtocol::writeString(const QString &value)
         writeBinary(value.toUtf8());
         return;
     }
-    // Encode straight into the buffer behind a length slot, then fill the slot.
-    char *slot = m_memory->writeCursor(4 + m_encoder.requiredSpace(value.size()));
+    // Short ASCII text is the common case: narrow it directly behind a length slot. Room for
+    // the UTF-8 form (at most three bytes per UTF-16 unit) is taken first, so that text that
+    // turns out not to be ASCII is encoded over it in place.
+    const qsizetype units = value.size();
+    char *slot = m_memory->writeCursor(4 + 3 * units);
     char *text = slot + 4;
-    const qsizetype length = m_encoder.appendToBuffer(text, value) - text;
+    const auto *source = reinterpret_cast<const char16_t *>(value.utf16());
+    char16_t highBits = 0;
+    for (qsizetype i = 0; i < units; ++i) {
+        highBits |= source[i];
+        text[i] = char(source[i]);
+    }
+    qsizetype length = units;
+    if (highBits >= 0x80)
+        length = m_encoder.appendToBuffer(text, value) - text;
     qToBigEndian(int32_t(length), slot);
     m_memory->commitWrite(4 + length);
 }

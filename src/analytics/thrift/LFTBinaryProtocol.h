@@ -27,14 +27,14 @@ public:
     void writeMessageEnd() override {}
     void writeStructBegin(const char *) override {}
     void writeStructEnd() override {}
-    void writeFieldBegin(const char *, LFTType type, int16_t fieldId) override
+    Q_ALWAYS_INLINE void writeFieldBegin(const char *, LFTType type, int16_t fieldId) override
     {
         writeByte(int8_t(type));
         writeI16(fieldId);
     }
     void writeFieldEnd() override {}
-    void writeFieldStop() override { writeByte(int8_t(LFTType::Stop)); }
-    void writeMapBegin(LFTType keyType, LFTType valueType, int32_t size) override
+    Q_ALWAYS_INLINE void writeFieldStop() override { writeByte(int8_t(LFTType::Stop)); }
+    Q_ALWAYS_INLINE void writeMapBegin(LFTType keyType, LFTType valueType, int32_t size) override
     {
         writeByte(int8_t(keyType));
         writeByte(int8_t(valueType));
@@ -43,17 +43,17 @@ public:
     void writeMapEnd() override {}
     void writeSetBegin(LFTType elementType, int32_t size) override { writeListBegin(elementType, size); }
     void writeSetEnd() override {}
-    void writeListBegin(LFTType elementType, int32_t size) override
+    Q_ALWAYS_INLINE void writeListBegin(LFTType elementType, int32_t size) override
     {
         writeByte(int8_t(elementType));
         writeI32(size);
     }
     void writeListEnd() override {}
     void writeBool(bool value) override { writeByte(value ? 1 : 0); }
-    void writeByte(int8_t value) override { putBytes(reinterpret_cast<const char *>(&value), 1); }
-    void writeI16(int16_t value) override { putBigEndian(value); }
-    void writeI32(int32_t value) override { putBigEndian(value); }
-    void writeI64(int64_t value) override { putBigEndian(value); }
+    Q_ALWAYS_INLINE void writeByte(int8_t value) override { putBigEndian(value); }
+    Q_ALWAYS_INLINE void writeI16(int16_t value) override { putBigEndian(value); }
+    Q_ALWAYS_INLINE void writeI32(int32_t value) override { putBigEndian(value); }
+    Q_ALWAYS_INLINE void writeI64(int64_t value) override { putBigEndian(value); }
     void writeDouble(double value) override;
     void writeString(const QString &value) override;
     void writeBinary(const QByteArray &value) override;
@@ -62,13 +62,13 @@ public:
     void readMessageEnd() override {}
     void readStructBegin() override {}
     void readStructEnd() override {}
-    void readFieldBegin(LFTType &type, int16_t &fieldId) override
+    Q_ALWAYS_INLINE void readFieldBegin(LFTType &type, int16_t &fieldId) override
     {
         type = LFTType(uint8_t(readByte()));
         fieldId = type == LFTType::Stop ? 0 : readI16();
     }
     void readFieldEnd() override {}
-    void readMapBegin(LFTType &keyType, LFTType &valueType, int32_t &size) override
+    Q_ALWAYS_INLINE void readMapBegin(LFTType &keyType, LFTType &valueType, int32_t &size) override
     {
         keyType = LFTType(uint8_t(readByte()));
         valueType = LFTType(uint8_t(readByte()));
@@ -77,17 +77,17 @@ public:
     void readMapEnd() override {}
     void readSetBegin(LFTType &elementType, int32_t &size) override { readListBegin(elementType, size); }
     void readSetEnd() override {}
-    void readListBegin(LFTType &elementType, int32_t &size) override
+    Q_ALWAYS_INLINE void readListBegin(LFTType &elementType, int32_t &size) override
     {
         elementType = LFTType(uint8_t(readByte()));
         size = readI32();
     }
     void readListEnd() override {}
-    bool readBool() override { return readByte() == 1; }
-    int8_t readByte() override { return getBigEndian<int8_t>(); }
-    int16_t readI16() override { return getBigEndian<int16_t>(); }
-    int32_t readI32() override { return getBigEndian<int32_t>(); }
-    int64_t readI64() override { return getBigEndian<int64_t>(); }
+    Q_ALWAYS_INLINE bool readBool() override { return readByte() == 1; }
+    Q_ALWAYS_INLINE int8_t readByte() override { return getBigEndian<int8_t>(); }
+    Q_ALWAYS_INLINE int16_t readI16() override { return getBigEndian<int16_t>(); }
+    Q_ALWAYS_INLINE int32_t readI32() override { return getBigEndian<int32_t>(); }
+    Q_ALWAYS_INLINE int64_t readI64() override { return getBigEndian<int64_t>(); }
     double readDouble() override;
     QString readString() override { return readStringBody(readI32()); }
     QByteArray readBinary() override;
@@ -99,7 +99,7 @@ private:
     QString readStringBody(int32_t size);
     QByteArray readBytes(int32_t size);
 
-    void putBytes(const char *data, qsizetype length)
+    Q_ALWAYS_INLINE void putBytes(const char *data, qsizetype length)
     {
         if (m_memory) {
             std::memcpy(m_memory->writeCursor(length), data, size_t(length));
@@ -108,7 +108,7 @@ private:
             m_transport->write(reinterpret_cast<const uint8_t *>(data), 0, length);
         }
     }
-    template <typename T> void putBigEndian(T value)
+    template <typename T> Q_ALWAYS_INLINE void putBigEndian(T value)
     {
         if (m_memory) {
             qToBigEndian(value, m_memory->writeCursor(sizeof(T)));
@@ -120,7 +120,7 @@ private:
         putBytes(bytes, sizeof(T));
     }
     // Small enough to inline into every read; other transports take the call below.
-    template <typename T> T getBigEndian()
+    template <typename T> Q_ALWAYS_INLINE T getBigEndian()
     {
         if (!m_memory)
             return getBigEndianFromTransport<T>();

@@ -18,7 +18,7 @@
 class LFTBinaryProtocol;
 
 template <typename Record, typename T>
-struct LFTFieldSpec
+struct LFTFieldDescriptor
 {
     using Value = T;
     int16_t id;
@@ -43,7 +43,7 @@ public:                                                                         
         m_##name = Type();                                                                          \
         m_##name##IsSet = false;                                                                    \
     }                                                                                               \
-    static constexpr LFTFieldSpec<Record, Type> name##Field()                                       \
+    static constexpr LFTFieldDescriptor<Record, Type> name##Field()                                       \
     {                                                                                               \
         return {Id, #name, Required, &Record::m_##name, &Record::m_##name##IsSet};                  \
     }                                                                                               \
@@ -301,11 +301,15 @@ template <typename P, typename Record> void readStruct(P &in, Record &record, in
                     skip(in, type, depth + 1);
                     return true;
                 }
-                T value{};
-                if (Wire<T>::read(in, value, depth + 1)) {
-                    record.*f.value = std::move(value);
-                    record.*f.isSet = true;
+                // A field seen for the first time is read in place, without a temporary to move
+                // from; one that comes again replaces what was read before only when it reads.
+                if (!(record.*f.isSet)) {
+                    record.*f.isSet = Wire<T>::read(in, record.*f.value, depth + 1);
+                    return true;
                 }
+                T value{};
+                if (Wire<T>::read(in, value, depth + 1))
+                    record.*f.value = std::move(value);
                 return true;
             };
             return (readField(field) || ...);

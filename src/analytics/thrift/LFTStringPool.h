@@ -6,6 +6,12 @@
 // slower than the text conversion itself. Here each string is an ordinary implicitly shared
 // QString over its own slice of a larger block: changing it detaches it as usual, and a block
 // is freed with the last string cut from it.
+//
+// Each string holds one reference to its block. Taking them one atomic increment at a time
+// cost as much as the rest of the decoding, so references are bought in batches: the pool adds
+// kPrepaidReferences to the block's count at once, hands one to each string it cuts, and gives
+// back those it did not use when it moves on. The block's own reference, held by the pool until
+// then, keeps the count above zero meanwhile.
 
 #include <QString>
 #include <QStringDecoder>
@@ -18,8 +24,10 @@ public:
     // A block holds at most this many UTF-16 units unless one string needs more, so a single
     // long-lived string keeps little memory alive.
     static constexpr qsizetype kBlockUnits = 16 * 1024;
+    static constexpr int kPrepaidReferences = 4096;
 
     LFTStringPool() = default;
+    ~LFTStringPool() { releasePrepaidReferences(); }
     Q_DISABLE_COPY_MOVE(LFTStringPool)  // two pools would write into the same free room
 
     // The UTF-8 bytes as text, decoded as QString::fromUtf8 does. `bytesAfter` says how much
@@ -28,8 +36,11 @@ public:
 
 private:
     void startBlock(qsizetype units);
+    void releasePrepaidReferences();
 
     QString m_block;
+    QTypedArrayData<char16_t> *m_header = nullptr;   // m_block's shared header
+    int m_prepaid = 0;                                // references bought and not yet handed out
     char16_t *m_next = nullptr;  // unused room in m_block, which no string covers
     char16_t *m_end = nullptr;
     // Stateless like QString::fromUtf8: a leading byte order mark is dropped and bad bytes
@@ -40,8 +51,9 @@ private:
 // Inline: it runs for every string read.
 inline QString LFTStringPool::fromUtf8(const char *bytes, qsizetype size, qsizetype bytesAfter)
 {
-    // Room for the text and the null that QString::utf16() promises after it.
-    const qsizetype needed = m_decoder.requiredSpace(size) + 1;
+    // Room for the text and the null that QString::utf16() promises after it: UTF-8 never
+    // takes fewer bytes than its UTF-16 form takes units.
+    const qsizetype needed = size + 1;
     if (m_end - m_next < needed)
         startBlock(std::max(needed, std::min(kBlockUnits, needed + bytesAfter)));
 
@@ -61,9 +73,11 @@ inline QString LFTStringPool::fromUtf8(const char *bytes, qsizetype size, qsizet
     *textEnd = u'\0';
     m_next = textEnd + 1;
 
-    // A copy of the block's data pointer holds one more reference to it; narrowed to the text.
-    QString::DataPointer slice = m_block.data_ptr();
-    slice.ptr = text;
-    slice.size = textEnd - text;
-    return QString(std::move(slice));
+    if (m_prepaid == 0) {
+        m_header->ref_.fetchAndAddRelaxed(kPrepaidReferences);
+        m_prepaid = kPrepaidReferences;
+    }
+    --m_prepaid;
+    // Adopts one of the references bought above.
+    return QString(QString::DataPointer(m_header, text, textEnd - text));
 }

@@ -4,6 +4,7 @@
 #include "LFAnalyticsContext.h"
 #include "LFAnalyticsSession.h"
 #include "LFAnalyticsThrift.h"
+#include "LFEnvelopeOpener.h"
 #include "LFWorkDispatch.h"
 
 #include <QCoreApplication>
@@ -81,8 +82,11 @@ int LogTool::sample(const QString &outPath)
     options.clock = clock;
     options.configStore = std::make_shared<UserDefaults>(scratch.filePath(QStringLiteral("LFAnalyticsConfig.ini")));
     options.cacheDirectory = scratch.filePath(QStringLiteral("caches"));
+    // The sample stays in memory: nothing is sent anywhere.
+    options.networkReachable = [] { return false; };
     LFAnalytics::setupWithOptions(std::move(options));
 
+    LFAnalytics::setCrashReportEnabled(false);
     LFAnalytics::setAppVersion(QStringLiteral("1.0.0"));
     LFAnalytics::startWithAppkey(kAppKey);
     settle();
@@ -131,6 +135,8 @@ int LogTool::decode(const QString &path, bool response)
         return 1;
     }
     const QByteArray bytes = file.readAll();
+    if (!response && LFEnvelopeOpener::decodeEnvelope(bytes))
+        return decodeEnvelope(path, bytes);
     QJsonObject json;
     try {
         json = response ? LFTDecode<LFTResponse>(bytes).toJson() : LFTDecode<LFTUALogEntry>(bytes).toJson();
@@ -140,6 +146,23 @@ int LogTool::decode(const QString &path, bool response)
                             error.name(), error.reason()));
         return 1;
     }
+    std::fputs(QJsonDocument(json).toJson(QJsonDocument::Indented).constData(), stdout);
+    return 0;
+}
+
+int LogTool::decodeEnvelope(const QString &path, const QByteArray &bytes)
+{
+    const LFEnvelopeOpener::Result opened = LFEnvelopeOpener::open(bytes);
+    if (!opened.opened) {
+        printError(QStringLiteral("%1 is an envelope that does not open: %2").arg(path, opened.problem));
+        return 1;
+    }
+    QJsonObject envelope = opened.opened->envelope.toJson();
+    // The entity is shown decoded below; its size is enough here.
+    envelope.remove(QStringLiteral("entity"));
+    envelope.insert(QStringLiteral("entity_bytes"), opened.opened->envelope.entity().size());
+    const QJsonObject json{{QStringLiteral("envelope"), envelope},
+                           {QStringLiteral("entry"), opened.opened->entry.toJson()}};
     std::fputs(QJsonDocument(json).toJson(QJsonDocument::Indented).constData(), stdout);
     return 0;
 }

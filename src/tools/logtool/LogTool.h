@@ -14,6 +14,8 @@ public:
 
 private:
     static int sample(const QString &outPath);
+    // A log entry, a reply, or an envelope file (opened as the collector opens it).
     static int decode(const QString &path, bool response);
+    static int decodeEnvelope(const QString &path, const QByteArray &bytes);
     static int usage();
 };

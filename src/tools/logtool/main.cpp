@@ -1,4 +1,5 @@
-// quorvel-logtool: makes a sample analytics log entry and prints entries and replies as JSON.
+// quorvel-logtool: makes a sample analytics log entry and prints entries, envelope files and
+// replies as JSON.
 
 #include "LogTool.h"
 

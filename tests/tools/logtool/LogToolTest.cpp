@@ -1,6 +1,10 @@
 // quorvel-logtool run as a program: a sample run decodes to what its script recorded, and bad
 // input ends in a message and a failure code, never a crash.
 
+#include "LFAnalyticsApp.h"
+#include "LFAnalyticsContext.h"
+#include "LFAnalyticsEnvelope.h"
+#include "LFEnvelope.h"
 #include "LFTRecords.h"
 
 #include <gtest/gtest.h>
@@ -67,6 +71,43 @@ TEST(LogTool, SampleRunDecodesToTwoSessionsWithPagesAndEvents)
     EXPECT_EQ(messages[0][QStringLiteral("events")].toArray().size(), 4);
     EXPECT_EQ(messages[1][QStringLiteral("events")].toArray().size(), 3);
     EXPECT_EQ(messages[0][QStringLiteral("id")], sessions[0][QStringLiteral("id")]);
+}
+
+TEST(LogTool, DecodesEncryptedEnvelopeFilesWithTheSignatureTheyCarry)
+{
+    QTemporaryDir folder;
+    const QString entryPath = folder.filePath(QStringLiteral("entry.bin"));
+    ASSERT_EQ(logtool({QStringLiteral("sample"), QStringLiteral("--out"), entryPath}).exitCode, 0);
+    QFile entryFile(entryPath);
+    ASSERT_TRUE(entryFile.open(QIODevice::ReadOnly));
+    const QByteArray entry = entryFile.readAll();
+
+    LFAnalyticsOptions options;
+    options.configStore = std::make_shared<UserDefaults>(folder.filePath(QStringLiteral("config.ini")));
+    options.cacheDirectory = folder.filePath(QStringLiteral("caches"));
+    LFAnalyticsContext context(std::move(options));
+    context.app().setAppid(QStringLiteral("3c1f9a27b84e0d65a2f7c913"));
+    context.app().setEncryptEnabled(true);
+    const QByteArray envelope = context.envelope().makeEnvelopeData(entry);
+    ASSERT_EQ(LFTDecode<LFEnvelope>(envelope).codex(), 1);
+    const QString path = folder.filePath(QStringLiteral("1700000000000_envelope.log"));
+    writeFile(path, envelope);
+
+    const ToolRun run = logtool({QStringLiteral("decode"), path});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+    const QJsonObject json = QJsonDocument::fromJson(run.out).object();
+    EXPECT_EQ(json[QStringLiteral("envelope")][QStringLiteral("codex")].toInt(), 1);
+    EXPECT_EQ(json[QStringLiteral("envelope")][QStringLiteral("length")].toInt(), entry.size());
+    EXPECT_EQ(json[QStringLiteral("entry")][QStringLiteral("sessions")].toArray().size(), 2);
+
+    // A damaged envelope says so and fails.
+    QByteArray damaged = envelope;
+    damaged[damaged.size() - 40] = char(damaged.at(damaged.size() - 40) ^ 0x5a);
+    writeFile(path, damaged);
+    const ToolRun bad = logtool({QStringLiteral("decode"), path});
+    EXPECT_EQ(bad.exitCode, 1);
+    EXPECT_EQ(bad.status, QProcess::NormalExit);
+    EXPECT_FALSE(bad.err.isEmpty());
 }
 
 TEST(LogTool, DecodesResponses)

@@ -1,0 +1,3 @@
+#include "LFEnvelope.h"
+
+LFT_RECORD_DEFINE(LFEnvelope)
