@@ -1,5 +1,6 @@
 #include "AppOptions.h"
 
+#include "LFAnalyticsContext.h"
 #include "LFPushEndpoint.h"
 #include "ScreenSizeOption.h"
 #include "ServiceConfig.h"
@@ -49,6 +50,16 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
         QStringLiteral("Push gateway (default %1, or $%2).")
             .arg(QString::fromLatin1(LFPushEndpoint::kDefaultUrl), QString::fromLatin1(LFPushEndpoint::kEnvironmentVariable)),
         "url");
+    const QCommandLineOption analyticsUrl = valueOption(
+        "analytics-url",
+        QStringLiteral("Analytics log host, to which /app_logs is added (default %1, or $QUORVEL_ANALYTICS_URL).")
+            .arg(LFAnalyticsContext::kDefaultLogHost),
+        "url");
+    const QCommandLineOption analyticsFallbackUrl = valueOption(
+        "analytics-fallback-url",
+        QStringLiteral("Analytics log host tried when the first fails (default %1, or $QUORVEL_ANALYTICS_FALLBACK_URL).")
+            .arg(LFAnalyticsContext::kDefaultLogHost),
+        "url");
     const QCommandLineOption screen = valueOption("screen", QStringLiteral("Screen size in points (default 375x667)."), "WxH");
     const QCommandLineOption board = valueOption("board", QStringLiteral("Open this board from the home screen's list."), "id");
     const QCommandLineOption topic = valueOption("topic", QStringLiteral("Open this topic, as a board list would."), "tid");
@@ -66,7 +77,7 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
         QStringLiteral("Walk the app as a person would, saving one picture per step in this folder; exit 0 when "
                        "every step was reached, 1 naming the step that was not."),
         "folder");
-    parser.addOptions({help, apiRoot, pushUrl, screen, board, topic, section, screenshot, draft, notification, tour});
+    parser.addOptions({help, apiRoot, pushUrl, analyticsUrl, analyticsFallbackUrl, screen, board, topic, section, screenshot, draft, notification, tour});
 
     *helpRequested = false;
     if (!parser.parse(arguments)) {
@@ -86,7 +97,11 @@ std::optional<AppOptions> AppOptions::parse(const QStringList &arguments, QStrin
     AppOptions options;
     options.apiRoot = parser.value(apiRoot);
     options.pushUrl = parser.value(pushUrl);
-    for (const auto &[option, value] : {std::pair{"--api-root", options.apiRoot}, std::pair{"--push-url", options.pushUrl}}) {
+    options.analyticsUrl = parser.value(analyticsUrl);
+    options.analyticsFallbackUrl = parser.value(analyticsFallbackUrl);
+    for (const auto &[option, value] :
+         {std::pair{"--api-root", options.apiRoot}, std::pair{"--push-url", options.pushUrl},
+          std::pair{"--analytics-url", options.analyticsUrl}, std::pair{"--analytics-fallback-url", options.analyticsFallbackUrl}}) {
         if (!value.isEmpty() && !isWebAddress(value)) {
             *error = QStringLiteral("%1 takes an http or https address, such as http://127.0.0.1:8080/").arg(QLatin1String(option));
             return std::nullopt;

@@ -12,6 +12,8 @@ struct AppOptions
 {
     QString apiRoot;            // empty: the compiled-in or environment default
     QString pushUrl;            // the push gateway; empty: the push component's default
+    QString analyticsUrl;       // the analytics log host; empty: the analytics component's default
+    QString analyticsFallbackUrl;
     QSize screenSize;
     std::optional<qint64> boardId;   // open this board from the home screen's list
     std::optional<qint64> topicId;   // open this topic over the home screen, as a board list would

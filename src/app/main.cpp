@@ -6,6 +6,7 @@
 #include "Application.h"
 #include "DesktopNotificationService.h"
 #include "Fonts.h"
+#include "LFAnalytics.h"
 #include "LFPush.h"
 #include "LaunchScript.h"
 #include "MainScreen.h"
@@ -50,6 +51,7 @@ int main(int argc, char **argv)
 
     if (!options->pushUrl.isEmpty())
         LFPush::setPushUrl(options->pushUrl);
+    LFAnalytics::setLogUrls(options->analyticsUrl, options->analyticsFallbackUrl);
 
     // The desktop's notification service: the device token, and delivery from the push gateway.
     DesktopNotificationService::Options notificationOptions;

@@ -64,8 +64,10 @@ bool LocalForumServer::start(quint16 port)
     m_process = std::make_unique<QProcess>();
     // The log goes to a file so a chatty server never blocks on a full pipe.
     m_process->setStandardErrorFile(m_folder.filePath(QStringLiteral("server.log")), QIODevice::Append);
+    // The collector on a free port of its own, so that servers of tests running side by side
+    // never share one.
     QStringList arguments{QStringLiteral("--port"), QString::number(port), QStringLiteral("--db"),
-                          databasePath()};
+                          databasePath(), QStringLiteral("--analytics-port"), QStringLiteral("0")};
     arguments += m_extraArguments;
     m_process->start(kServerBinary, arguments);
 
@@ -90,6 +92,11 @@ bool LocalForumServer::start(quint16 port)
     }
     m_port = quint16(match.captured(1).toUInt());
     m_error.clear();
+
+    static const QRegularExpression analytics(QStringLiteral("^quorvel-server analytics listening on (http://\\S+)"));
+    while (!m_process->canReadLine() && m_process->state() != QProcess::NotRunning && !deadline.hasExpired())
+        m_process->waitForReadyRead(int(deadline.remainingTime()));
+    m_analyticsRoot = analytics.match(QString::fromUtf8(m_process->readLine())).captured(1);
     return true;
 }
 

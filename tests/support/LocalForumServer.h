@@ -80,6 +80,8 @@ public:
 
     quint16 port() const { return m_port; }
     QString origin() const;   // "http://127.0.0.1:PORT"
+    // The analytics collector's root ("http://127.0.0.1:PORT"); empty when it did not start.
+    QString analyticsRoot() const { return m_analyticsRoot; }
     QString apiRoot() const;  // "http://127.0.0.1:PORT/api/"
     QString databasePath() const;
 
@@ -100,4 +102,5 @@ private:
     std::unique_ptr<QProcess> m_process;
     quint16 m_port = 0;
     QString m_error;
+    QString m_analyticsRoot;
 };
