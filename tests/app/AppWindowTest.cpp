@@ -1,6 +1,7 @@
 // The quorvel program end to end: options, and a topic window drawn offscreen from the
 // project's forum server.
 
+#include "EventLoop.h"
 #include "LocalForumServer.h"
 #include "ProgramRun.h"
 #include "RecordingHttpServer.h"
@@ -48,6 +49,14 @@ constexpr int kMinBarItemInk = 100;
 constexpr int kMinContentInk = 1000;
 // The tour's own step limit is 15 s; publishing may wait for the server's posting interval.
 constexpr int kTourLimitMs = 150000;
+
+// Every host the app talks to, on the test's server.
+QStringList hostsOf(const LocalForumServer &server)
+{
+    return {QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"),
+            server.origin() + QStringLiteral("/push"), QStringLiteral("--analytics-url"), server.analyticsRoot(),
+            QStringLiteral("--analytics-fallback-url"), server.analyticsRoot()};
+}
 
 testsupport::ProgramResult runApp(const QStringList &arguments)
 {
@@ -108,7 +117,7 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     const QString tid = QString::number(LocalForumServer::Demo::kManyRepliesTopicId);
     const QString section = QString::number(LocalForumServer::Demo::kManyRepliesSectionId);
 
-    const testsupport::ProgramResult run = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--topic"), tid,
+    const testsupport::ProgramResult run = runApp(hostsOf(server) + QStringList{QStringLiteral("--topic"), tid,
                             QStringLiteral("--section"), section, QStringLiteral("--screenshot"), shot});
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
     const QImage picture(shot);
@@ -117,7 +126,7 @@ TEST(AppWindow, DrawsTheTopicScreenToAPictureOnceLoaded)
     expectTitlesDrawn(picture, 375);
     EXPECT_GE(QString::fromUtf8(server.log()).count(QStringLiteral("/api/RepliesLog")), 1);
 
-    const testsupport::ProgramResult narrow = runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--screen"),
+    const testsupport::ProgramResult narrow = runApp(hostsOf(server) + QStringList{QStringLiteral("--screen"),
                                QStringLiteral("320x568"), QStringLiteral("--topic"), tid, QStringLiteral("--section"),
                                section, QStringLiteral("--screenshot"), small});
     ASSERT_EQ(narrow.exitCode, 0) << narrow.errors.toStdString();
@@ -133,7 +142,7 @@ TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
     QTemporaryDir dir;
     const QString shot = dir.filePath(QStringLiteral("board.png"));
     const testsupport::ProgramResult run =
-        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--board"),
+        runApp(hostsOf(server) + QStringList{QStringLiteral("--board"),
                 QString::number(LocalForumServer::Demo::kBoardId), QStringLiteral("--screenshot"), shot});
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
     const QImage picture(shot);
@@ -154,7 +163,7 @@ TEST(AppWindow, OpensABoardByItsIdAsTheHomeScreenWould)
     EXPECT_EQ(log.count(QStringLiteral("/api/GetTopics")), 1);
 
     const testsupport::ProgramResult missing =
-        runApp({QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--board"), QStringLiteral("99")});
+        runApp(hostsOf(server) + QStringList{QStringLiteral("--board"), QStringLiteral("99")});
     EXPECT_EQ(missing.exitCode, 3);
     EXPECT_TRUE(missing.errors.contains(QStringLiteral("no board 99")));
 }
@@ -206,12 +215,15 @@ TEST(AppWindow, TheTourReachesEveryScreenThroughTapsAndTyping)
     ASSERT_TRUE(server.isRunning()) << server.errorString().toStdString();
     QTemporaryDir dir;
     // A first launch on this server: no user id kept from another test's server, which this one
-    // would not know.
+    // would not know, and analytics of its own.
     QTemporaryDir config;
+    QTemporaryDir cache;
+    const std::map<QString, QString> firstLaunch{{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")},
+                                                 {QStringLiteral("XDG_CONFIG_HOME"), config.path()},
+                                                 {QStringLiteral("XDG_CACHE_HOME"), cache.path()}};
     const testsupport::ProgramResult run = testsupport::runProgram(
-        QStringLiteral(QUORVEL_APP_BINARY), {QStringLiteral("--api-root"), server.apiRoot(), QStringLiteral("--push-url"), server.origin() + QStringLiteral("/push"), QStringLiteral("--tour"), dir.path()},
-        {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}, {QStringLiteral("XDG_CONFIG_HOME"), config.path()}},
-        kTourLimitMs);
+        QStringLiteral(QUORVEL_APP_BINARY), hostsOf(server) + QStringList{QStringLiteral("--tour"), dir.path()},
+        firstLaunch, kTourLimitMs);
     ASSERT_EQ(run.exitCode, 0) << run.errors.toStdString();
 
     const QStringList steps{QStringLiteral("01-home"), QStringLiteral("02-board"), QStringLiteral("03-topic"),
@@ -231,6 +243,18 @@ TEST(AppWindow, TheTourReachesEveryScreenThroughTapsAndTyping)
     EXPECT_EQ(log.count(QStringLiteral("POST /api/RepliesleTopic")), 1);
     EXPECT_GE(log.count(QStringLiteral("/api/WriteTopic")), 1);
     EXPECT_GE(log.count(QStringLiteral("/pages/")), 1) << "the web page came from the server";
+
+    // The two banner taps were counted; the next launch sends them, with the tour's session.
+    const testsupport::ProgramResult next = testsupport::runProgram(
+        QStringLiteral(QUORVEL_APP_BINARY),
+        hostsOf(server) + QStringList{QStringLiteral("--screenshot"), dir.filePath(QStringLiteral("next.png"))}, firstLaunch);
+    ASSERT_EQ(next.exitCode, 0) << next.errors.toStdString();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return server.log().contains("POST /app_logs 200"); }));
+    const testsupport::ProgramResult report = testsupport::runProgram(
+        QStringLiteral(QUORVEL_SERVER_BINARY), {QStringLiteral("analytics-report"), QStringLiteral("--db"), server.databasePath()});
+    ASSERT_EQ(report.exitCode, 0) << report.errors.toStdString();
+    EXPECT_TRUE(report.out.contains(QStringLiteral("advertisingClick: 2\n"))) << report.out.toStdString();
+    EXPECT_TRUE(report.out.contains(QStringLiteral("\nSessions\n"))) << report.out.toStdString();
 }
 
 TEST(AppWindow, APictureOfAScreenWhoseServerNeverAnswersIsRefused)
