@@ -72,32 +72,39 @@ INSTANTIATE_TEST_SUITE_P(EachWay, CrashTest, ::testing::ValuesIn(kCrashCases), c
 
 using CrashHandlerTest = AnalyticsFixture;
 
-TEST_F(CrashHandlerTest, InstallsOnceAndTurningOffRestoresThePreviousHandlers)
+TEST_F(CrashHandlerTest, InstallsOnceAndTurningOffForgetsTheInstallationButKeepsTheHandlers)
 {
-    struct sigaction before = {};
-    sigaction(SIGSEGV, nullptr, &before);
-    const std::terminate_handler terminateBefore = std::get_terminate();
-
+    // Handlers are the process's: an earlier test in this process may have installed them.
     start();
     ASSERT_TRUE(app().appCrashedHandlerInstalled());
     struct sigaction installed = {};
     sigaction(SIGSEGV, nullptr, &installed);
-    EXPECT_NE(installed.sa_sigaction, before.sa_sigaction);
+    EXPECT_TRUE(installed.sa_flags & SA_SIGINFO);
     EXPECT_TRUE(installed.sa_flags & SA_ONSTACK);
+    const std::terminate_handler ours = std::get_terminate();
 
-    // Installing again changes nothing: turning off still gives back the first handlers.
+    // Installing again changes nothing; turning off stops observing and leaves the handlers.
     app().setCrashReportEnabled(true);
     ASSERT_TRUE(LefiseixUncaughtExceptionHandler::install(internal().signalRecordPath(), QString(), {}));
     app().setCrashReportEnabled(false);
     EXPECT_FALSE(app().appCrashedHandlerInstalled());
-    EXPECT_FALSE(LefiseixUncaughtExceptionHandler::installed());
+    EXPECT_TRUE(LefiseixUncaughtExceptionHandler::installed());
     struct sigaction after = {};
     sigaction(SIGSEGV, nullptr, &after);
-    EXPECT_EQ(after.sa_sigaction, before.sa_sigaction);
-    EXPECT_EQ(std::get_terminate(), terminateBefore);
+    EXPECT_EQ(after.sa_sigaction, installed.sa_sigaction);
+    EXPECT_EQ(std::get_terminate(), ours);
 
     app().setCrashReportEnabled(true);
-    EXPECT_TRUE(LefiseixUncaughtExceptionHandler::installed());
+    EXPECT_TRUE(app().appCrashedHandlerInstalled());
+}
+
+TEST_F(CrashHandlerTest, ACrashWithReportingTurnedOffLeavesNoRecord)
+{
+    const childrun::Ending ending = childrun::run({QStringLiteral("crash"), QStringLiteral("off-SIGSEGV"), folder.path()});
+    EXPECT_FALSE(ending.exited) << "exit code " << ending.exitCode;
+    EXPECT_EQ(ending.signal, SIGSEGV);
+    start();
+    EXPECT_TRUE(internal().containers().errors.isEmpty());
 }
 
 TEST_F(CrashHandlerTest, ARecordWithoutImageFactsIsStillStored)

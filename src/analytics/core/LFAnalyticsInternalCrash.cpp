@@ -102,6 +102,6 @@ void LFAnalyticsInternal::installUncaughtExceptionHandler()
 
 void LFAnalyticsInternal::removeUncaughtExceptionHandler()
 {
+    // Forgets the installation: the process-wide handlers stay, with no one to record.
     LefiseixUncaughtExceptionHandler::setObserver({});
-    LefiseixUncaughtExceptionHandler::uninstall();
 }

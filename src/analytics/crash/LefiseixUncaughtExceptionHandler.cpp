@@ -35,12 +35,12 @@ constexpr SignalName kSignalNames[] = {
 // Everything the signal handler touches is set up before it can run.
 struct State
 {
-    QMutex mutex;    // install, uninstall and the observer; never taken by the signal handler
+    QMutex mutex;    // install and the observer; never taken by the signal handler
     bool installed = false;
     LefiseixUncaughtExceptionHandler::Observer observer;
-    struct sigaction previous[kSignalCount] = {};
+    // Whether anyone observes: the signal handler reads it without the lock.
+    std::atomic<bool> observed{false};
     std::terminate_handler previousTerminate = nullptr;
-    stack_t previousStack = {};
     int recordFd = -1;
     char prepared[kSignalCount][kPreparedTextSize] = {};
     size_t preparedLength[kSignalCount] = {};
@@ -69,7 +69,7 @@ void onSignal(int number, siginfo_t *, void *)
             pause();
     }
     State &s = state();
-    if (s.recordFd >= 0 && number > 0 && number < kSignalCount) {
+    if (s.observed.load() && s.recordFd >= 0 && number > 0 && number < kSignalCount) {
         [[maybe_unused]] ssize_t written = write(s.recordFd, s.prepared[number], s.preparedLength[number]);
         void *frames[LefiseixUncaughtExceptionHandler::kMaxFrames];
         const int count = ::backtrace(frames, LefiseixUncaughtExceptionHandler::kMaxFrames);
@@ -156,33 +156,16 @@ bool LefiseixUncaughtExceptionHandler::install(const QString &signalRecordPath, 
     stack_t stack = {};
     stack.ss_sp = alternateStack;
     stack.ss_size = sizeof alternateStack;
-    sigaltstack(&stack, &s.previousStack);
+    sigaltstack(&stack, nullptr);
     struct sigaction action = {};
     action.sa_sigaction = onSignal;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     sigemptyset(&action.sa_mask);
     for (int number : kCaughtSignals)
-        sigaction(number, &action, &s.previous[number]);
+        sigaction(number, &action, nullptr);
     s.previousTerminate = std::set_terminate(onTerminate);
     s.installed = true;
     return true;
-}
-
-void LefiseixUncaughtExceptionHandler::uninstall()
-{
-    State &s = state();
-    QMutexLocker lock(&s.mutex);
-    if (!s.installed)
-        return;
-    for (int number : kCaughtSignals)
-        sigaction(number, &s.previous[number], nullptr);
-    std::set_terminate(s.previousTerminate);
-    // A stack that was not in use (or none) is given back as it was.
-    if (!(s.previousStack.ss_flags & SS_ONSTACK))
-        sigaltstack(&s.previousStack, nullptr);
-    close(s.recordFd);
-    s.recordFd = -1;
-    s.installed = false;
 }
 
 bool LefiseixUncaughtExceptionHandler::installed()
@@ -196,6 +179,7 @@ void LefiseixUncaughtExceptionHandler::setObserver(Observer observer)
 {
     State &s = state();
     QMutexLocker lock(&s.mutex);
+    s.observed = bool(observer);
     s.observer = std::move(observer);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 // Process-wide crash capture: uncaught C++ exceptions through std::set_terminate and the fatal
 // signals SIGABRT, SIGILL, SIGSEGV, SIGFPE and SIGBUS through sigaction on an alternate stack.
-// Any thread: install and uninstall from the main thread, the handlers on whichever crashes.
+// Any thread: install and observe from the main thread, the handlers on whichever crashes.
 //
 // An uncaught exception is recorded at once, on the thread that let it escape: the recorder
 // takes its own locks, so it does not wait for the main thread, which may be the one that is
@@ -39,11 +39,10 @@ public:
     // `signalRecordPath`, with the app version and image facts of this process. False when the
     // file cannot be opened.
     static bool install(const QString &signalRecordPath, const QString &appVersion, const QVariantMap &imageInfo);
-    // Restores the handlers that were in force before install.
-    static void uninstall();
     static bool installed();
     // The observer of "LFAnalyticsCrashCatch", the one receiver of crash reports; an empty one
-    // stops observing.
+    // stops observing. The handlers, once installed, stay for the process: without an observer
+    // a crash records nothing (a signal writes no record) and the process dies as it would.
     static void setObserver(Observer observer);
 
     // The record a signal left in `signalRecordPath` at an earlier launch, or nothing. The
