@@ -5,12 +5,14 @@
 #include <QMutexLocker>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <cxxabi.h>
 #include <exception>
 #include <execinfo.h>
 #include <fcntl.h>
+#include <thread>
 #include <typeinfo>
 #include <unistd.h>
 
@@ -21,6 +23,8 @@ constexpr int kResetSignals[] = {SIGABRT, SIGILL, SIGSEGV, SIGFPE, SIGBUS, SIGPI
 constexpr int kSignalCount = 65;
 constexpr size_t kAlternateStackSize = 64 * 1024;
 constexpr size_t kPreparedTextSize = 1024;
+// After recording an uncaught exception, time for what the record started to reach the disk.
+constexpr std::chrono::milliseconds kPauseBeforeDying{1000};
 
 struct SignalName
 {
@@ -117,6 +121,7 @@ void onTerminate()
     report.reason = currentExceptionReason();
     report.callStackSymbols = LefiseixUncaughtExceptionHandler::backtrace();
     LefiseixUncaughtExceptionHandler::handleException(report);
+    std::this_thread::sleep_for(kPauseBeforeDying);
     if (previous)
         previous();
     std::abort();
