@@ -1,5 +1,6 @@
 #include "LFPNetworkLogic.h"
 
+#include "GatewayUrl.h"
 #include "LFPHeader.h"
 #include "LFPInstallation.h"
 #include "LFPushKeys.h"
@@ -45,10 +46,7 @@ QString LFPNetworkLogic::tokenText(const QByteArray &token)
 
 QString LFPNetworkLogic::urlFor(const char *path) const
 {
-    QString root = m_options.pushUrl;
-    while (root.endsWith(QLatin1Char('/')))
-        root.chop(1);
-    return root.isEmpty() ? QString() : root + QLatin1String(path);
+    return GatewayUrl::join(m_options.pushUrl, QString::fromLatin1(path));
 }
 
 void LFPNetworkLogic::sendRegister(const QByteArray &token, Response response)

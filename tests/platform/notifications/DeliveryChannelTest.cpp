@@ -28,9 +28,10 @@ protected:
         ASSERT_TRUE(gatewayclient::registerDevice(server, token));
     }
 
-    std::unique_ptr<NotificationChannel> makeChannel()
+    std::unique_ptr<NotificationChannel> makeChannel(const QString &root = {})
     {
-        return std::make_unique<NotificationChannel>(QUrl(gatewayclient::pushRoot(server)), token, state,
+        return std::make_unique<NotificationChannel>(QUrl(root.isEmpty() ? gatewayclient::pushRoot(server) : root),
+                                                     token, state,
                                                      [this](const QJsonObject &userInfo) { topics << topicOf(userInfo); });
     }
 
@@ -75,6 +76,16 @@ TEST_F(DeliveryChannel, AfterTheGatewayRestartsItReconnectsAndCatchesUpWithoutDu
     EXPECT_EQ(topics, QList<int>({1001, 1002, 1003, 1004}));
     EXPECT_EQ(log.lines().size(), 1) << log.lines().join(QLatin1Char('\n')).toStdString();
     EXPECT_TRUE(log.contains(QStringLiteral("lost")));
+}
+
+TEST_F(DeliveryChannel, APushRootEndingInASlashReachesTheSameStream)
+{
+    const std::unique_ptr<NotificationChannel> channel = makeChannel(gatewayclient::pushRoot(server) + QStringLiteral("/"));
+    channel->start();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return channel->isConnected(); }));
+    send(1501);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return topics.size() == 1; }));
+    EXPECT_EQ(topics, QList<int>({1501}));
 }
 
 TEST_F(DeliveryChannel, LaunchTakesTheOldestMissedNotificationAndTheChannelBringsTheRestOnce)
