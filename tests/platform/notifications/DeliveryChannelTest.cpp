@@ -88,6 +88,18 @@ TEST_F(DeliveryChannel, APushRootEndingInASlashReachesTheSameStream)
     EXPECT_EQ(topics, QList<int>({1501}));
 }
 
+TEST_F(DeliveryChannel, ADeviceWhoseStreamIsOpenCanBeSentToBeforeItRegistersHere)
+{
+    // Its daily report was made to an earlier database: only its stream tells of it.
+    token = DeviceToken::valueStoredIn(folder.filePath(QStringLiteral("unregistered")));
+    const std::unique_ptr<NotificationChannel> channel = makeChannel();
+    channel->start();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return channel->isConnected(); }));
+    send(1601);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return topics.size() == 1; }));
+    EXPECT_EQ(topics, QList<int>({1601}));
+}
+
 TEST_F(DeliveryChannel, LaunchTakesTheOldestMissedNotificationAndTheChannelBringsTheRestOnce)
 {
     send(2001);
