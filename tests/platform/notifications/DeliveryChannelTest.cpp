@@ -1,6 +1,8 @@
 // The delivery channel against a real quorvel-server gateway: live delivery, a gateway
 // restart with catch-up and no duplicates, the launch notification, and sends refused
 // without the operator's secret.
+#include "Application.h"
+#include "DesktopNotificationService.h"
 #include "DeviceToken.h"
 #include "EventLoop.h"
 #include "GatewayClient.h"
@@ -9,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 namespace {
@@ -98,6 +101,40 @@ TEST_F(DeliveryChannel, ADeviceWhoseStreamIsOpenCanBeSentToBeforeItRegistersHere
     send(1601);
     ASSERT_TRUE(testsupport::waitUntil([&] { return topics.size() == 1; }));
     EXPECT_EQ(topics, QList<int>({1601}));
+}
+
+TEST_F(DeliveryChannel, UnregisteringStopsDeliveryAndRegisteringAgainResumesIt)
+{
+    struct Receiver final : ApplicationDelegate
+    {
+        bool didFinishLaunchingWithOptions(const LaunchOptions &) override { return true; }
+        void didReceiveRemoteNotification(const QJsonObject &userInfo) override { topics << topicOf(userInfo); }
+        QList<int> topics;
+    } delegate;
+    DesktopNotificationService service({QUrl(gatewayclient::pushRoot(server)), folder.filePath(QStringLiteral("token")),
+                                        folder.filePath(QStringLiteral("service.ini")), &Application::shared(), true});
+    Application::shared().setRemoteNotificationService(&service);
+    Application::shared().setDelegate(&delegate);
+    Application::shared().launch({});
+    const auto restore = qScopeGuard([] {
+        Application::shared().setDelegate(nullptr);
+        Application::shared().setRemoteNotificationService(nullptr);
+    });
+    ASSERT_EQ(service.deviceToken(), token);
+    service.startDelivery();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return service.channel().isConnected(); }));
+
+    Application::shared().unregisterForRemoteNotifications();
+    EXPECT_FALSE(service.channel().isConnected());
+    send(1701);
+    testsupport::spinFor(500);
+    EXPECT_TRUE(delegate.topics.isEmpty());
+
+    // Registered again: the channel reopens and brings what came meanwhile.
+    Application::shared().registerForRemoteNotifications();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return delegate.topics.size() == 1; }));
+    EXPECT_EQ(delegate.topics, QList<int>({1701}));
+    EXPECT_TRUE(service.channel().isConnected());
 }
 
 TEST_F(DeliveryChannel, LaunchTakesTheOldestMissedNotificationAndTheChannelBringsTheRestOnce)
