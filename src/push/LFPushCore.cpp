@@ -195,6 +195,9 @@ void LFPushCore::openMessage(const LFPMessage &message)
 
 void LFPushCore::reportClick(const LFPMessage &message)
 {
+    // Already sent (or on its way) in this run: kept again, it would go out at the next launch.
+    if (m_clicksSentOrSending.contains(message.msgId))
+        return;
     m_messageCache->saveCacheMessage(message.msgId, message.ts);
     sendCachedClicks();
 }
