@@ -1,11 +1,14 @@
 // Token reports on an injected clock against the gateway: a new token registers, a known one
 // follows the gateway's policy (0 register once a day, 1 nothing, 2 launch), no token sends
 // the daily launch, and the header carries every key.
+#include "LFPHeader.h"
 #include "LFPushKeys.h"
+#include "MainScreen.h"
 #include "PushFixture.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopeGuard>
 
 namespace {
 
@@ -80,6 +83,24 @@ TEST_F(ReportPolicy, TheRegisterBodyCarriesTheTokenAndEveryHeaderKey)
     EXPECT_EQ(header.value(QStringLiteral("lfdid")).toString(), QString(40, QLatin1Char('d')));
     EXPECT_EQ(header.value(QStringLiteral("req_time")).toInteger(), qint64(clock->now()));
     EXPECT_FALSE(header.contains(QStringLiteral("lat")));
+}
+
+TEST_F(ReportPolicy, TheHeaderGivesTheAppsScreenInPointsAndKeepsHalfHourZones)
+{
+    const QByteArray zone = qgetenv("TZ");
+    const auto restore = qScopeGuard([zone] {
+        MainScreen::setSize(MainScreen::kDefaultSize);
+        if (zone.isNull())
+            qunsetenv("TZ");
+        else
+            qputenv("TZ", zone);
+    });
+    MainScreen::setSize({414, 896});
+    qputenv("TZ", "Asia/Kolkata");
+    const auto core = makeCore();
+    const QJsonObject header = LFPHeader::dictionary(core->installation(), core->options());
+    EXPECT_EQ(header.value(QStringLiteral("resolution")).toString(), QStringLiteral("414*896"));
+    EXPECT_EQ(header.value(QStringLiteral("timezone")).toDouble(), 5.5);
 }
 
 TEST_F(ReportPolicy, AKnownLocationTravelsOnceInTheHeader)
