@@ -8,6 +8,7 @@
 #include "GatewayClient.h"
 #include "LogCapture.h"
 #include "NotificationChannel.h"
+#include "RecordingHttpServer.h"
 
 #include <gtest/gtest.h>
 
@@ -201,6 +202,57 @@ TEST(DeliveryChannelBackOff, DoublesFromOneSecondUpTo60Seconds)
     for (int failures = 1; failures <= 9; ++failures)
         delays << NotificationChannel::retryDelayMs(failures);
     EXPECT_EQ(delays, QList<int>({1000, 2000, 4000, 8000, 16000, 32000, 60000, 60000, 60000}));
+}
+
+// A stand-in gateway that answers each stream request with `answer(n)` (n counting from 1)
+// and ends the stream there.
+class ScriptedGateway : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(gateway.listen());
+        gateway.setResponder([this](const RecordingHttpServer::Request &) { return answer(++answered); });
+        channel = std::make_unique<NotificationChannel>(
+            QUrl(gateway.baseUrl() + QStringLiteral("push")), QByteArray(32, '\x07'), state,
+            [this](const QJsonObject &userInfo) { msgIds << userInfo.value(QStringLiteral("d")).toString(); });
+    }
+
+    std::function<RecordingHttpServer::Response(int n)> answer;
+    RecordingHttpServer gateway;
+    int answered = 0;
+    QTemporaryDir folder;
+    UserDefaults state{folder.filePath(QStringLiteral("state.ini"))};
+    QStringList msgIds;
+    std::unique_ptr<NotificationChannel> channel;
+};
+
+TEST_F(ScriptedGateway, AnEventTheGatewaySendsAgainIsDeliveredOnce)
+{
+    const QByteArray first = "id: e:1\ndata: {\"d\":\"m1\"}\n\n";
+    const QByteArray second = "id: e:2\ndata: {\"d\":\"m2\"}\n\n";
+    answer = [&](int) { return RecordingHttpServer::Response{200, "text/event-stream", first + first + second}; };
+    channel->start();
+    // Each stream ends, so the channel comes back and is given the same events again; a
+    // third request means the second stream was read to its end.
+    ASSERT_TRUE(testsupport::waitUntil([&] { return answered >= 3; }, 10000));
+    channel->stop();
+    EXPECT_EQ(msgIds, QStringList({QStringLiteral("m1"), QStringLiteral("m2")}));
+}
+
+TEST_F(ScriptedGateway, AGoodConnectionStartsTheBackOffAgainFromOneSecond)
+{
+    answer = [](int n) {
+        // Two refusals, then a stream the gateway ends at once.
+        return n <= 2 ? RecordingHttpServer::Response{503, "text/plain", "busy"}
+                      : RecordingHttpServer::Response{200, "text/event-stream", ": hello\n\n"};
+    };
+    channel->start();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return answered == 2 && channel->pendingRetryMs() > 0; }, 10000));
+    EXPECT_EQ(channel->pendingRetryMs(), 2000);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return answered == 3 && channel->pendingRetryMs() > 0; }, 10000));
+    EXPECT_EQ(channel->pendingRetryMs(), 1000);
+    channel->stop();
 }
 
 } // namespace
