@@ -26,7 +26,7 @@ const QString kErrorsKey = QStringLiteral("errors");
 LFPNetworkLogic::LFPNetworkLogic(const LFPushOptions &options, LFPInstallation &installation)
     : m_options(options)
     , m_installation(installation)
-    , m_network(new QNetworkAccessManager)
+    , m_network(std::make_unique<QNetworkAccessManager>())
 {
     m_network->setTransferTimeout(kTimeoutMs);
 }
@@ -36,7 +36,6 @@ LFPNetworkLogic::~LFPNetworkLogic()
     // Answers still on their way are dropped: their handlers refer to this object.
     for (QNetworkReply *reply : m_network->findChildren<QNetworkReply *>())
         reply->disconnect();
-    delete m_network;
 }
 
 QString LFPNetworkLogic::tokenText(const QByteArray &token)

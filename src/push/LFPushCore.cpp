@@ -9,6 +9,7 @@
 #include "LFPushEndpoint.h"
 #include "LFPushKeys.h"
 #include "LFPushManager.h"
+#include "LFPushSystemClock.h"
 #include "LFPushUtils.h"
 #include "UserDefaults.h"
 
@@ -38,11 +39,6 @@ LFPushOptions withDefaults(LFPushOptions options)
 }
 
 } // namespace
-
-LFPInstallation &LFPInstallation::currentInstallation()
-{
-    return LFPushCore::shared().installation();
-}
 
 LFPushCore::LFPushCore(LFPushOptions options)
     : m_options(withDefaults(std::move(options)))
