@@ -3,27 +3,30 @@
 #include "LFPInstallation.h"
 #include "LFPushKeys.h"
 #include "LFPushOptions.h"
+#include "MainScreen.h"
 #include "UserDefaults.h"
 
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QLocale>
-#include <QScreen>
 #include <QSysInfo>
 #include <QTimeZone>
 
 namespace {
 
+constexpr double kSecondsPerHour = 3600.0;
+
+// The app's screen in points, as the phone reports its bounds ("375*667").
 QString resolution()
 {
-    const QScreen *screen = qobject_cast<QGuiApplication *>(QCoreApplication::instance())
-                                ? QGuiApplication::primaryScreen()
-                                : nullptr;
-    if (!screen)
-        return {};
-    const QSize pixels = screen->size() * screen->devicePixelRatio();
-    return QStringLiteral("%1*%2").arg(pixels.width()).arg(pixels.height());
+    const QSizeF points = MainScreen::size();
+    return QStringLiteral("%1*%2").arg(points.width()).arg(points.height());
+}
+
+// Hours from UTC; half-hour and quarter-hour zones keep their fraction (5.5, 5.75).
+double timezoneHours()
+{
+    return QTimeZone::systemTimeZone().offsetFromUtc(QDateTime::currentDateTime()) / kSecondsPerHour;
 }
 
 } // namespace
@@ -32,7 +35,6 @@ QJsonObject LFPHeader::dictionary(const LFPInstallation &installation, const LFP
 {
     const QLocale locale = QLocale::system();
     const QString version = QCoreApplication::applicationVersion();
-    const int offsetHours = QTimeZone::systemTimeZone().offsetFromUtc(QDateTime::currentDateTime()) / 3600;
     QJsonObject header{
         {QStringLiteral("lfdid"), installation.lfdid},
         {QStringLiteral("idfa"), QString()},
@@ -47,7 +49,7 @@ QJsonObject LFPHeader::dictionary(const LFPInstallation &installation, const LFP
         {QStringLiteral("carrier"), QString()},
         {QStringLiteral("access"), QStringLiteral("WiFi")},
         {QStringLiteral("language"), QLocale::languageToCode(locale.language())},
-        {QStringLiteral("timezone"), offsetHours},
+        {QStringLiteral("timezone"), timezoneHours()},
         {QStringLiteral("package_name"), QCoreApplication::applicationName()},
         {QStringLiteral("app_version"), version},
         {QStringLiteral("short_version"), version},

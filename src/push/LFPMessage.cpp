@@ -26,20 +26,13 @@ bool readMsgId(const QJsonValue &value, QString *msgId)
     return false;
 }
 
-bool readClickPolicy(const QJsonValue &value, int *clickPolicy)
+// A policy that is not a number reads as 0, the default: the message keeps its id, so it is
+// still opened and its click reported.
+int readClickPolicy(const QJsonValue &value)
 {
-    if (value.isUndefined() || value.isNull())
-        return true;
-    if (value.isDouble()) {
-        *clickPolicy = value.toInt();
-        return true;
-    }
-    if (value.isString()) {
-        bool ok = false;
-        *clickPolicy = value.toString().toInt(&ok);
-        return ok;
-    }
-    return false;
+    if (value.isDouble())
+        return value.toInt();
+    return value.isString() ? value.toString().toInt() : 0;
 }
 
 } // namespace
@@ -50,17 +43,14 @@ LFPMessage::LFPMessage(const QJsonObject &userInfo, double receivedAt)
 {
     const QJsonValue aps = userInfo.value(kApsKey);
     QString id;
-    int policy = 0;
-    const bool wellFormed = readMsgId(userInfo.value(kMsgIdKey), &id)
-                            && readClickPolicy(userInfo.value(kClickPolicyKey), &policy)
-                            && (aps.isUndefined() || aps.isObject());
+    const bool wellFormed = readMsgId(userInfo.value(kMsgIdKey), &id) && (aps.isUndefined() || aps.isObject());
     if (!wellFormed) {
         // Nothing of a malformed dictionary is trusted: the message stays without id.
         LFPushUtils::outLog(QStringLiteral("LFPMessage init exception [%1]").arg(LFPushUtils::jsonText(userInfo)));
         return;
     }
     msgId = id;
-    clickPolicy = policy;
+    clickPolicy = readClickPolicy(userInfo.value(kClickPolicyKey));
     const QJsonObject apsObject = aps.toObject();
     alert = alertOf(apsObject.value(QStringLiteral("alert")));
     badge = apsObject.value(QStringLiteral("badge"));

@@ -1,5 +1,6 @@
 #include "LFPNetworkLogic.h"
 
+#include "GatewayUrl.h"
 #include "LFPHeader.h"
 #include "LFPInstallation.h"
 #include "LFPushKeys.h"
@@ -25,7 +26,7 @@ const QString kErrorsKey = QStringLiteral("errors");
 LFPNetworkLogic::LFPNetworkLogic(const LFPushOptions &options, LFPInstallation &installation)
     : m_options(options)
     , m_installation(installation)
-    , m_network(new QNetworkAccessManager)
+    , m_network(std::make_unique<QNetworkAccessManager>())
 {
     m_network->setTransferTimeout(kTimeoutMs);
 }
@@ -35,7 +36,6 @@ LFPNetworkLogic::~LFPNetworkLogic()
     // Answers still on their way are dropped: their handlers refer to this object.
     for (QNetworkReply *reply : m_network->findChildren<QNetworkReply *>())
         reply->disconnect();
-    delete m_network;
 }
 
 QString LFPNetworkLogic::tokenText(const QByteArray &token)
@@ -45,10 +45,7 @@ QString LFPNetworkLogic::tokenText(const QByteArray &token)
 
 QString LFPNetworkLogic::urlFor(const char *path) const
 {
-    QString root = m_options.pushUrl;
-    while (root.endsWith(QLatin1Char('/')))
-        root.chop(1);
-    return root.isEmpty() ? QString() : root + QLatin1String(path);
+    return GatewayUrl::join(m_options.pushUrl, QString::fromLatin1(path));
 }
 
 void LFPNetworkLogic::sendRegister(const QByteArray &token, Response response)

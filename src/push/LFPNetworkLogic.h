@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 
 class LFPInstallation;
 class QNetworkAccessManager;
@@ -55,5 +56,5 @@ private:
 
     const LFPushOptions &m_options;
     LFPInstallation &m_installation;
-    QNetworkAccessManager *m_network;
+    std::unique_ptr<QNetworkAccessManager> m_network;
 };

@@ -6,8 +6,3 @@ QString LFPushClock::dateText() const
 {
     return QDateTime::fromMSecsSinceEpoch(qint64(now() * 1000.0)).toString(QStringLiteral("yyyy-MM-dd"));
 }
-
-double LFPushSystemClock::now() const
-{
-    return double(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
-}

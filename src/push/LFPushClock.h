@@ -14,9 +14,3 @@ public:
     // text it was stored with is still today's.
     QString dateText() const;
 };
-
-class LFPushSystemClock final : public LFPushClock
-{
-public:
-    double now() const override;
-};

@@ -9,6 +9,7 @@
 #include "LFPushEndpoint.h"
 #include "LFPushKeys.h"
 #include "LFPushManager.h"
+#include "LFPushSystemClock.h"
 #include "LFPushUtils.h"
 #include "UserDefaults.h"
 
@@ -38,11 +39,6 @@ LFPushOptions withDefaults(LFPushOptions options)
 }
 
 } // namespace
-
-LFPInstallation &LFPInstallation::currentInstallation()
-{
-    return LFPushCore::shared().installation();
-}
 
 LFPushCore::LFPushCore(LFPushOptions options)
     : m_options(withDefaults(std::move(options)))
@@ -195,6 +191,9 @@ void LFPushCore::openMessage(const LFPMessage &message)
 
 void LFPushCore::reportClick(const LFPMessage &message)
 {
+    // Already sent (or on its way) in this run: kept again, it would go out at the next launch.
+    if (m_clicksSentOrSending.contains(message.msgId))
+        return;
     m_messageCache->saveCacheMessage(message.msgId, message.ts);
     sendCachedClicks();
 }

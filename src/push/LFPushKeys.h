@@ -1,5 +1,5 @@
 #pragma once
-// The push component's persisted user-defaults keys, spelled as stored.
+// The push component's persisted user-defaults keys, spelled as stored. Constants; any thread.
 
 #include <QString>
 

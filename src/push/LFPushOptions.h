@@ -1,6 +1,7 @@
 #pragma once
 // Everything the push component takes from outside: time, the settings store, the push
-// message endpoint, the application and the device identifier. Plain value.
+// message endpoint, the application and the device identifier. Plain value, filled in on the
+// main thread before the component is made.
 
 #include "LFPushClock.h"
 

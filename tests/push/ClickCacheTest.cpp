@@ -13,9 +13,19 @@ namespace {
 class ClickCache : public PushFixture
 {
 protected:
+    // The clicks kept on disk, read by a settings object of their own.
     QJsonArray cached() const
     {
-        return QJsonDocument::fromJson(defaults.stringForKey(LFPushKeys::kMsgs).toUtf8()).array();
+        const UserDefaults onDisk(defaults.filePath());
+        return QJsonDocument::fromJson(onDisk.stringForKey(LFPushKeys::kMsgs).toUtf8()).array();
+    }
+
+    QStringList clicks() const { return rows(QStringLiteral("SELECT msgid FROM push_clicks ORDER BY id")); }
+
+    static QJsonObject notification(const char *msgId)
+    {
+        return QJsonObject{{QStringLiteral("d"), QLatin1String(msgId)},
+                           {QStringLiteral("aps"), QJsonObject{{QStringLiteral("alert"), QStringLiteral("a")}}}};
     }
 };
 
@@ -36,7 +46,9 @@ TEST_F(ClickCache, ClicksMadeWhileTheGatewayIsAwayAreSentAfterARestart)
     EXPECT_EQ(cached()[0].toObject().value(QStringLiteral("msg_id")).toString(), QStringLiteral("c1"));
     EXPECT_EQ(cached()[1].toObject().value(QStringLiteral("msg_id")).toString(), QStringLiteral("c2"));
 
-    const auto restarted = makeCore();
+    // The next run reads the clicks back from the file.
+    UserDefaults reread(defaults.filePath());
+    const auto restarted = makeCore({}, &reread);
     restarted->startWithAppkey(QLatin1String(kAppKey), {});
     ASSERT_TRUE(testsupport::waitUntil([&] { return rows(QStringLiteral("SELECT msgid FROM push_clicks")).size() == 2; }));
     restarted->messageCache().waitForQueue();
@@ -46,6 +58,34 @@ TEST_F(ClickCache, ClicksMadeWhileTheGatewayIsAwayAreSentAfterARestart)
     }));
     EXPECT_EQ(rows(QStringLiteral("SELECT msgid, ts FROM push_clicks ORDER BY id")),
               QStringList({QStringLiteral("c1|%1").arg(qint64(clock->now())), QStringLiteral("c2|%1").arg(qint64(clock->now()))}));
+}
+
+TEST_F(ClickCache, AClickReportedAgainInTheSameRunIsNotSentTwice)
+{
+    {
+        const auto core = makeCore();
+        core->sendClickReportForRemoteNotification(notification("r1"));
+        // Another report pass while the first one is on its way takes its snapshot of the
+        // cache before the click leaves it.
+        core->startApp();
+        ASSERT_TRUE(testsupport::waitUntil([&] {
+            core->messageCache().waitForQueue();
+            return cached().isEmpty() && clicks().size() == 1;
+        }));
+        core->sendClickReportForRemoteNotification(notification("r1"));
+        core->messageCache().waitForQueue();
+        testsupport::spinFor(300);
+        core->messageCache().waitForQueue();
+        EXPECT_TRUE(cached().isEmpty());
+    }
+    // The next launch: its own click goes, the old one does not come again.
+    UserDefaults reread(defaults.filePath());
+    const auto next = makeCore({}, &reread);
+    next->startWithAppkey(QLatin1String(kAppKey), {});
+    next->sendClickReportForRemoteNotification(notification("r2"));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return clicks().contains(QStringLiteral("r2")); }));
+    testsupport::spinFor(300);
+    EXPECT_EQ(clicks(), QStringList({QStringLiteral("r1"), QStringLiteral("r2")}));
 }
 
 TEST_F(ClickCache, AReportWithoutIdOrTimeIsRefused)

@@ -78,6 +78,20 @@ TEST_F(Messages, AnOpenedMessageStartsASessionUnlessItsClickPolicyIs2)
     EXPECT_EQ(core->lastClickMsgId, QStringLiteral("s2"));
 }
 
+TEST_F(Messages, APolicyThatIsNotANumberReadsAs0SoTheMessageIsStillOpenedAndItsClickSent)
+{
+    EXPECT_EQ(LFPMessage(json(R"({"d":"n1","p":"soon"})"), 1).clickPolicy, 0);
+    EXPECT_EQ(LFPMessage(json(R"({"d":"n1","p":"2"})"), 1).clickPolicy, 2);
+    const auto core = makeCore();
+    core->didReceiveRemoteNotification(json(R"({"d":"n2","p":[2],"aps":{"alert":"a"}})"));
+    ASSERT_TRUE(core->curSession.has_value());
+    EXPECT_EQ(core->curSession->message.msgId, QStringLiteral("n2"));
+    EXPECT_EQ(core->curSession->message.clickPolicy, 0);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return rows(QStringLiteral("SELECT msgid FROM push_clicks")).size() == 1; }));
+    EXPECT_EQ(rows(QStringLiteral("SELECT msgid FROM push_clicks")), QStringList({QStringLiteral("n2")}));
+    EXPECT_FALSE(log.lines().join(QLatin1Char('\n')).contains(QStringLiteral("init exception")));
+}
+
 TEST_F(Messages, TheForegroundAlertIsTitledNotificationWithTheTextAndAnOkButton)
 {
     QMessageBox *alert = LFPAlertView::show(QStringLiteral("新回复"));

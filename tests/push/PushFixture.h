@@ -47,11 +47,12 @@ protected:
 
     QString pushRoot() const { return server.origin() + QStringLiteral("/push"); }
 
-    std::unique_ptr<LFPushCore> makeCore(const QString &pushUrl = {})
+    // `store` replaces the fixture's defaults, e.g. a new one on the same file after a restart.
+    std::unique_ptr<LFPushCore> makeCore(const QString &pushUrl = {}, UserDefaults *store = nullptr)
     {
         LFPushOptions options;
         options.clock = clock;
-        options.defaults = &defaults;
+        options.defaults = store ? store : &defaults;
         options.pushUrl = pushUrl.isEmpty() ? pushRoot() : pushUrl;
         options.application = &Application::shared();
         options.deviceIdentifier = QString(40, QLatin1Char('d'));

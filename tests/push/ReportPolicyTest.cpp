@@ -1,11 +1,14 @@
 // Token reports on an injected clock against the gateway: a new token registers, a known one
 // follows the gateway's policy (0 register once a day, 1 nothing, 2 launch), no token sends
 // the daily launch, and the header carries every key.
+#include "LFPHeader.h"
 #include "LFPushKeys.h"
+#include "MainScreen.h"
 #include "PushFixture.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopeGuard>
 
 namespace {
 
@@ -61,6 +64,49 @@ TEST_F(ReportPolicy, Policy0RegistersANewTokenAndAKnownOneOnceADayAndLaunchesDai
     EXPECT_EQ(defaults.objectForKey(LFPushKeys::kDeviceToken).toByteArray(), other);
 }
 
+TEST_F(ReportPolicy, ANewTokenWhoseRegisterFailedIsRegisteredLaterTheSameDay)
+{
+    const QByteArray first(32, '\x01');
+    const QByteArray second(32, '\x02');
+    const auto registered = [](const QByteArray &token) {
+        return QStringLiteral("register ok for token [%1]!").arg(QString::fromLatin1(token.toHex()));
+    };
+    {
+        const auto core = makeCore();
+        core->registerDeviceToken(first);
+        ASSERT_TRUE(logged(registered(first)));
+    }
+    {
+        // The day's register was for the old token: the new one's must not count as done.
+        const auto offline = makeCore(QStringLiteral("http://127.0.0.1:9/push"));
+        offline->registerDeviceToken(second);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return log.lines().join(QLatin1Char('\n')).contains(QStringLiteral("register error [")); }));
+    }
+    const auto core = makeCore();
+    core->registerDeviceToken(second);
+    ASSERT_TRUE(logged(registered(second)));
+    EXPECT_EQ(answered(kRegistered), 2);
+}
+
+TEST_F(ReportPolicy, AKeptTokenIsDroppedAtStartWhileNotificationsAreOff)
+{
+    const QByteArray kept(32, '\x05');
+    defaults.setObject(kept, LFPushKeys::kDeviceToken);
+    {
+        // Notification settings never granted (types 0): the kept token is stale.
+        const auto off = makeCore();
+        off->startWithAppkey(QLatin1String(kAppKey), {});
+        EXPECT_FALSE(defaults.objectForKey(LFPushKeys::kDeviceToken).isValid());
+        EXPECT_TRUE(off->installation().deviceToken.isEmpty());
+    }
+    defaults.setObject(kept, LFPushKeys::kDeviceToken);
+    Application::shared().registerUserNotificationSettings({7, {}});
+    const auto on = makeCore();
+    on->startWithAppkey(QLatin1String(kAppKey), {});
+    EXPECT_EQ(defaults.objectForKey(LFPushKeys::kDeviceToken).toByteArray(), kept);
+    EXPECT_EQ(on->installation().deviceToken, QString::fromLatin1(kept.toHex()));
+}
+
 TEST_F(ReportPolicy, TheRegisterBodyCarriesTheTokenAndEveryHeaderKey)
 {
     const auto core = launch();
@@ -80,6 +126,24 @@ TEST_F(ReportPolicy, TheRegisterBodyCarriesTheTokenAndEveryHeaderKey)
     EXPECT_EQ(header.value(QStringLiteral("lfdid")).toString(), QString(40, QLatin1Char('d')));
     EXPECT_EQ(header.value(QStringLiteral("req_time")).toInteger(), qint64(clock->now()));
     EXPECT_FALSE(header.contains(QStringLiteral("lat")));
+}
+
+TEST_F(ReportPolicy, TheHeaderGivesTheAppsScreenInPointsAndKeepsHalfHourZones)
+{
+    const QByteArray zone = qgetenv("TZ");
+    const auto restore = qScopeGuard([zone] {
+        MainScreen::setSize(MainScreen::kDefaultSize);
+        if (zone.isNull())
+            qunsetenv("TZ");
+        else
+            qputenv("TZ", zone);
+    });
+    MainScreen::setSize({414, 896});
+    qputenv("TZ", "Asia/Kolkata");
+    const auto core = makeCore();
+    const QJsonObject header = LFPHeader::dictionary(core->installation(), core->options());
+    EXPECT_EQ(header.value(QStringLiteral("resolution")).toString(), QStringLiteral("414*896"));
+    EXPECT_EQ(header.value(QStringLiteral("timezone")).toDouble(), 5.5);
 }
 
 TEST_F(ReportPolicy, AKnownLocationTravelsOnceInTheHeader)

@@ -48,11 +48,13 @@ LaunchOptions DesktopNotificationService::launchOptions(int waitMs)
 
 void DesktopNotificationService::startDelivery()
 {
+    m_deliveryStarted = true;
     m_channel->start();
 }
 
 void DesktopNotificationService::stopDelivery()
 {
+    m_deliveryStarted = false;
     m_channel->stop();
 }
 
@@ -60,6 +62,8 @@ void DesktopNotificationService::registerForRemoteNotifications(RegistrationResu
 {
     m_state->setObject(true, kRegisteredKey);
     m_state->synchronize();
+    if (m_deliveryStarted)
+        m_channel->start();
     QMetaObject::invokeMethod(this, [token = m_token, done = std::move(done)] { done(token, QString()); },
                               Qt::QueuedConnection);
 }
@@ -68,6 +72,8 @@ void DesktopNotificationService::unregisterForRemoteNotifications()
 {
     m_state->setObject(false, kRegisteredKey);
     m_state->synchronize();
+    // An unregistered app receives nothing, as on the phone; messages wait for registration.
+    m_channel->stop();
 }
 
 bool DesktopNotificationService::isRegisteredForRemoteNotifications() const

@@ -46,7 +46,8 @@ public:
 
     // Launch options holding the oldest notification missed while the app was not running.
     LaunchOptions launchOptions(int waitMs = kLaunchWaitMs);
-    // Opens the delivery channel; notifications then reach the application's delegate.
+    // Opens the delivery channel; notifications then reach the application's delegate. While
+    // the app is unregistered for remote notifications the channel stays closed.
     void startDelivery();
     void stopDelivery();
     NotificationChannel &channel() { return *m_channel; }
@@ -63,4 +64,5 @@ private:
     QByteArray m_token;
     std::unique_ptr<UserDefaults> m_state;
     std::unique_ptr<NotificationChannel> m_channel;
+    bool m_deliveryStarted = false;  // the app asked for delivery
 };

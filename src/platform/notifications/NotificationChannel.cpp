@@ -1,5 +1,6 @@
 #include "NotificationChannel.h"
 
+#include "GatewayUrl.h"
 #include "NotificationLog.h"
 
 #include <QEventLoop>
@@ -96,8 +97,7 @@ void NotificationChannel::stop()
 
 QNetworkReply *NotificationChannel::open(bool catchUpOnly)
 {
-    QUrl url = m_gateway;
-    url.setPath(url.path() + kEventsPath);
+    QUrl url(GatewayUrl::join(m_gateway.toString(), kEventsPath));
     if (catchUpOnly)
         url.setQuery(QStringLiteral("once=1"));
     QNetworkRequest request(url);

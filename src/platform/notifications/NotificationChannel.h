@@ -46,6 +46,8 @@ public:
 
     // The delay before the next attempt after `failures` failed ones in a row.
     static int retryDelayMs(int failures);
+    // The delay of the reconnection now waiting; 0 when none waits.
+    int pendingRetryMs() const { return m_retry.isActive() ? m_retry.interval() : 0; }
 
 signals:
     void connectedChanged(bool connected);

@@ -1,5 +1,7 @@
 #include "ServerSentEventParser.h"
 
+#include "NotificationLog.h"
+
 QList<ServerSentEvent> ServerSentEventParser::feed(const QByteArray &bytes)
 {
     QList<ServerSentEvent> done;
@@ -18,7 +20,7 @@ QList<ServerSentEvent> ServerSentEventParser::feed(const QByteArray &bytes)
             break;
         if (m_overlong) {
             m_overlong = false;
-            m_dropEvent = true;
+            dropEvent("a line over the size limit");
         } else {
             takeLine(std::exchange(m_line, {}), done);
         }
@@ -51,9 +53,30 @@ void ServerSentEventParser::takeLine(QByteArray line, QList<ServerSentEvent> &do
     } else if (field == "event") {
         m_event.event = value;
     } else if (field == "data") {
-        if (m_hasData)
-            m_event.data.append('\n');
-        m_event.data.append(value);
-        m_hasData = true;
+        appendData(value);
     }
+}
+
+void ServerSentEventParser::appendData(const QByteArray &value)
+{
+    const qsizetype separator = m_hasData ? 1 : 0;
+    m_hasData = true;
+    if (m_dropEvent)
+        return;
+    if (m_event.data.size() + separator + value.size() > kMaxEventDataBytes) {
+        dropEvent("data over the size limit");
+        return;
+    }
+    if (separator)
+        m_event.data.append('\n');
+    m_event.data.append(value);
+}
+
+void ServerSentEventParser::dropEvent(const char *why)
+{
+    if (m_dropEvent)
+        return;
+    m_dropEvent = true;
+    m_event.data = {};
+    NotificationLog::warning(QStringLiteral("notification channel: event with %1 dropped").arg(QLatin1String(why)));
 }

@@ -1,8 +1,8 @@
 #pragma once
 // Reads a server-sent event stream as it arrives, in pieces of any size: "id:", "event:" and
-// "data:" fields, events ended by an empty line, comments ignored. A line longer than the
-// limit is dropped with the event it belongs to, so a hostile stream cannot grow memory
-// without bound. Plain value; any thread.
+// "data:" fields, events ended by an empty line, comments ignored. A line longer than its
+// limit, or an event whose data grows past its limit, is dropped (logged once per event), so a
+// hostile stream cannot grow memory without bound. Plain value; any thread.
 
 #include <QByteArray>
 #include <QList>
@@ -18,12 +18,16 @@ class ServerSentEventParser
 {
 public:
     static constexpr int kMaxLineBytes = 256 * 1024;
+    static constexpr int kMaxEventDataBytes = 1024 * 1024;
 
     // The events completed by `bytes`.
     QList<ServerSentEvent> feed(const QByteArray &bytes);
 
 private:
     void takeLine(QByteArray line, QList<ServerSentEvent> &done);
+    void appendData(const QByteArray &value);
+    // The current event is dropped: what it holds is let go and the loss logged once.
+    void dropEvent(const char *why);
 
     QByteArray m_line;
     ServerSentEvent m_event;

@@ -74,14 +74,6 @@ void PushDeliveryHub::deliver(const QString &token, qint64 id, const QByteArray 
     }
 }
 
-int PushDeliveryHub::openStreams() const
-{
-    int open = 0;
-    for (const Stream &stream : m_streams)
-        open += stream.socket && stream.socket->state() == QAbstractSocket::ConnectedState ? 1 : 0;
-    return open;
-}
-
 void PushDeliveryHub::dropClosed()
 {
     m_streams.removeIf([](const Stream &stream) {

@@ -35,7 +35,6 @@ public:
     // Keeps the responder's connection as the device's stream, first sending what it missed.
     void openStream(const QString &token, qint64 afterId, QHttpServerResponder &&responder);
     void deliver(const QString &token, qint64 id, const QByteArray &userInfo);
-    int openStreams() const;
 
 private:
     struct Stream

@@ -92,6 +92,7 @@ void PushGateway::events(const QHttpServerRequest &request, QHttpServerResponder
         if (request.url().query() == QLatin1String("once=1")) {
             responder.write(m_hub.missedEvents(token, after), {{"Content-Type", "text/event-stream"}});
         } else {
+            m_store.recordStreamDevice(token);
             m_hub.openStream(token, after, std::move(responder));
         }
         logLine("GET", path, 200, QStringLiteral("after %1").arg(after));

@@ -74,11 +74,13 @@ void PushGatewayStore::reportDevice(const QString &token, bool isRegister, const
     ForumDatabase::exec(query);
 }
 
-bool PushGatewayStore::isKnownDevice(const QString &token)
+void PushGatewayStore::recordStreamDevice(const QString &token)
 {
-    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT 1 FROM push_devices WHERE token = ?"));
+    // No report yet: no app key, an empty header and no report times until one comes.
+    QSqlQuery query = m_database.prepare(
+        QStringLiteral("INSERT OR IGNORE INTO push_devices(token, appkey, header) VALUES(?, '', '{}')"));
     query.addBindValue(text(token));
-    return !column(query).isEmpty();
+    ForumDatabase::exec(query);
 }
 
 QStringList PushGatewayStore::tags(const QString &token)

@@ -43,7 +43,9 @@ public:
     QString epoch() const { return m_epoch; }
 
     void reportDevice(const QString &token, bool isRegister, const QJsonObject &header, qint64 now);
-    bool isKnownDevice(const QString &token);
+    // A device whose token-authenticated stream was accepted can be sent to even if it has not
+    // reported to this database (it reports once a day; the database may be newer than that).
+    void recordStreamDevice(const QString &token);
 
     QStringList tags(const QString &token);
     void addTags(const QString &token, const QStringList &tags);

@@ -1,8 +1,11 @@
 // The event-stream reader: fields, events ended by an empty line, pieces of any size, comments,
 // and a hostile overlong line dropped with its event.
+#include "LogCapture.h"
 #include "ServerSentEventParser.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -45,6 +48,35 @@ TEST(EventStream, AnOverlongLineDropsItsEventAndTheStreamGoesOn)
     ASSERT_EQ(events.size(), 1);
     EXPECT_EQ(events[0].id, "e:2");
     EXPECT_EQ(events[0].data, "ok");
+}
+
+TEST(EventStream, AnEventWhoseDataGrowsPastTheLimitIsDroppedAndLoggedOnce)
+{
+    LogCapture log("quorvel.notifications");
+    ServerSentEventParser parser;
+    // Lines each within their limit that together run far past the event's.
+    const QByteArray line = "data: " + QByteArray(ServerSentEventParser::kMaxLineBytes - 10, 'x') + "\n";
+    QList<ServerSentEvent> events = parser.feed("id: e:1\n");
+    const int lines = ServerSentEventParser::kMaxEventDataBytes / line.size() * 3;
+    for (int i = 0; i < lines; ++i)
+        events += parser.feed(line);
+    events += parser.feed("\nid: e:2\ndata: ok\n\n");
+    ASSERT_EQ(events.size(), 1);
+    EXPECT_EQ(events[0].id, "e:2");
+    EXPECT_EQ(events[0].data, "ok");
+    EXPECT_EQ(log.lines(), QStringList({QStringLiteral("notification channel: event with data over the size limit dropped")}));
+
+    // Data exactly at the limit, lines and their joins counted, still arrives.
+    QByteArray atLimit = "id: e:3\n";
+    for (qsizetype left = ServerSentEventParser::kMaxEventDataBytes, joins = 0; left > 0; ++joins) {
+        left -= joins > 0 ? 1 : 0;
+        const qsizetype size = std::min<qsizetype>(left, 200'000);
+        atLimit += "data: " + QByteArray(size, 'y') + "\n";
+        left -= size;
+    }
+    events = parser.feed(atLimit + "\n");
+    ASSERT_EQ(events.size(), 1);
+    EXPECT_EQ(events[0].data.size(), ServerSentEventParser::kMaxEventDataBytes);
 }
 
 } // namespace
