@@ -92,21 +92,19 @@ QStringList PushGatewayStore::tags(const QString &token)
 
 void PushGatewayStore::addTags(const QString &token, const QStringList &tags)
 {
-    ForumDatabase::Transaction transaction(m_database);
-    for (const QString &tag : tags) {
-        QSqlQuery query = m_database.prepare(QStringLiteral("INSERT OR IGNORE INTO push_tags(token, tag) VALUES(?, ?)"));
-        query.addBindValue(text(token));
-        query.addBindValue(text(tag));
-        ForumDatabase::exec(query);
-    }
-    transaction.commit();
+    execForEachTag(QStringLiteral("INSERT OR IGNORE INTO push_tags(token, tag) VALUES(?, ?)"), token, tags);
 }
 
 void PushGatewayStore::removeTags(const QString &token, const QStringList &tags)
 {
+    execForEachTag(QStringLiteral("DELETE FROM push_tags WHERE token = ? AND tag = ?"), token, tags);
+}
+
+void PushGatewayStore::execForEachTag(const QString &statement, const QString &token, const QStringList &tags)
+{
     ForumDatabase::Transaction transaction(m_database);
     for (const QString &tag : tags) {
-        QSqlQuery query = m_database.prepare(QStringLiteral("DELETE FROM push_tags WHERE token = ? AND tag = ?"));
+        QSqlQuery query = m_database.prepare(statement);
         query.addBindValue(text(token));
         query.addBindValue(text(tag));
         ForumDatabase::exec(query);

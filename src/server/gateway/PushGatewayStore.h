@@ -69,6 +69,8 @@ public:
 
 private:
     QStringList column(QSqlQuery &query);
+    // Runs a statement taking (token, tag) once per tag, all in one transaction.
+    void execForEachTag(const QString &statement, const QString &token, const QStringList &tags);
 
     ForumDatabase &m_database;
     QString m_epoch;
