@@ -56,11 +56,7 @@ CircleView::CircleView(const QRectF &frame, int count, QWidget *parent)
     // A single picture shows no dots.
     m_pageC->setVisible(m_count != 1);
 
-    m_timer = new QTimer(this);
-    m_timer->setInterval(kAdvanceMs);
-    connect(m_timer, &QTimer::timeout, this, &CircleView::exchangePages);
-    m_timer->start();
-    exchangePages();
+    startTimerFiredAtOnce();
 
     m_observing = true;
 }
@@ -88,6 +84,11 @@ void CircleView::restartTimer()
 {
     m_timer->stop();
     m_timer->deleteLater();
+    startTimerFiredAtOnce();
+}
+
+void CircleView::startTimerFiredAtOnce()
+{
     m_timer = new QTimer(this);
     m_timer->setInterval(kAdvanceMs);
     connect(m_timer, &QTimer::timeout, this, &CircleView::exchangePages);

@@ -56,6 +56,8 @@ public:
 private:
     void observeImageIndex(int value);
     void restartTimer();
+    // A new repeating timer, and its first tick at once.
+    void startTimerFiredAtOnce();
     void tapPage(int page);
     int itemIndexOfPage(int page) const;
     qreal pageWidth() const;
