@@ -69,6 +69,8 @@ public:
 
     void run(int bulkBoardTopics)
     {
+        if (m_writer.alreadySeeded())
+            return;
         const qint64 base = baseTimeMs();
         for (const QString &name : DemoTexts::userNames())
             m_users.append(m_writer.addUser(name, base - 400LL * 24 * 60 * kMinute));

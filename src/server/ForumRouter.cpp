@@ -43,34 +43,38 @@ bool usableHost(const QByteArray &host)
 
 ForumRouter::ForumRouter(ForumStore &store, const ServerOptions &options, PostEndpoints::Clock clock)
     : m_store(store)
-    , m_browse(store, ServerOptions::kMaxPageSize)
+    , m_browse(store)
     , m_post(store,
              {qint64(options.postIntervalSeconds) * 1000, options.maxTitleLength, options.maxContentLength},
              std::move(clock))
     , m_maxBodyBytes(options.maxBodyBytes)
     , m_fallbackOrigin(QStringLiteral("http://%1:%2").arg(options.host).arg(options.port))
 {
-    using Payload = std::optional<QJsonObject>;
-    m_endpoints = {
-        {QStringLiteral("GetAdRecom"), {"GET", PayloadUse::None,
-            [this](const Payload &, const QString &origin) { return m_browse.adRecom(origin); }}},
-        {QStringLiteral("GetSection"), {"GET", PayloadUse::Optional,
-            [this](const Payload &p, const QString &origin) { return m_browse.sections(p, origin); }}},
-        {QStringLiteral("GetTopics"), {"GET", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_browse.topics(*p); }}},
-        {QStringLiteral("GetTopTopic"), {"GET", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_browse.topTopics(*p); }}},
-        {QStringLiteral("GetTempUserInfo"), {"GET", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_post.tempUserInfo(*p); }}},
-        {QStringLiteral("TopicDetail"), {"GET", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_browse.topicDetail(*p); }}},
-        {QStringLiteral("RepliesLog"), {"GET", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_browse.repliesLog(*p); }}},
-        {QStringLiteral("WriteTopic"), {"POST", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_post.writeTopic(*p); }}},
-        {QStringLiteral("RepliesleTopic"), {"POST", PayloadUse::Required,
-            [this](const Payload &p, const QString &) { return m_post.replyTopic(*p); }}},
+    using Kind = BrowseQuery::Kind;
+    const auto reading = [](PayloadUse use, Kind kind) { return Endpoint{"GET", use, kind, {}}; };
+    const auto writing = [](const QByteArray &method, EndpointAnswer (PostEndpoints::*handler)(const QJsonObject &),
+                            PostEndpoints &post) {
+        return Endpoint{method, PayloadUse::Required, std::nullopt,
+                        [&post, handler](const QJsonObject &payload) { return (post.*handler)(payload); }};
     };
+    m_endpoints = {
+        {QStringLiteral("GetAdRecom"), reading(PayloadUse::None, Kind::AdRecom)},
+        {QStringLiteral("GetSection"), reading(PayloadUse::Optional, Kind::Sections)},
+        {QStringLiteral("GetTopics"), reading(PayloadUse::Required, Kind::Topics)},
+        {QStringLiteral("GetTopTopic"), reading(PayloadUse::Required, Kind::TopTopics)},
+        {QStringLiteral("TopicDetail"), reading(PayloadUse::Required, Kind::TopicDetail)},
+        {QStringLiteral("RepliesLog"), reading(PayloadUse::Required, Kind::RepliesLog)},
+        {QStringLiteral("GetTempUserInfo"), writing("GET", &PostEndpoints::tempUserInfo, m_post)},
+        {QStringLiteral("WriteTopic"), writing("POST", &PostEndpoints::writeTopic, m_post)},
+        {QStringLiteral("RepliesleTopic"), writing("POST", &PostEndpoints::replyTopic, m_post)},
+    };
+    // This process's writes and, on a shared database, every other process's.
+    m_store.database().setChangeListener([this](const QStringList &tags) { m_cache.drop(tags); });
+}
+
+ForumRouter::~ForumRouter()
+{
+    m_store.database().setChangeListener({});
 }
 
 QString ForumRouter::originOf(const ServerRequest &request) const
@@ -80,13 +84,19 @@ QString ForumRouter::originOf(const ServerRequest &request) const
     return m_fallbackOrigin;
 }
 
-ServerReply ForumRouter::handle(const ServerRequest &request)
+std::optional<ServerReply> ForumRouter::sizeFailure(const ServerRequest &request) const
 {
     if (request.body.size() > m_maxBodyBytes)
         return failure(413, "payload_too_large", QStringLiteral("body over %1 bytes").arg(m_maxBodyBytes));
     if (request.rawQuery.size() > m_maxBodyBytes)
         return failure(414, "uri_too_long", QStringLiteral("query over %1 bytes").arg(m_maxBodyBytes));
+    return std::nullopt;
+}
 
+ServerReply ForumRouter::handle(const ServerRequest &request)
+{
+    if (std::optional<ServerReply> tooLarge = sizeFailure(request))
+        return *tooLarge;
     const QString path = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path));
     try {
         if (path.startsWith(kApiPrefix))
@@ -94,10 +104,53 @@ ServerReply ForumRouter::handle(const ServerRequest &request)
         if (request.method != "GET")
             return methodNotAllowed("GET");
         return picture(path);
+    } catch (const StoreUnavailable &) {
+        return failure(503, "unavailable", QStringLiteral("the database is unavailable, try again shortly"));
     } catch (const StoreError &error) {
         serverLog(QStringLiteral("storage failure: %1").arg(QString::fromStdString(error.what())));
         return failure(500, "server_error", QStringLiteral("storage failure"));
     }
+}
+
+std::optional<ServerReply> ForumRouter::cachedReply(const ServerRequest &request) const
+{
+    // Only what handle() would answer from the cache: no size failure, a reading endpoint
+    // asked the right way, and a Host of its own (the fallback origin is the store thread's).
+    if (sizeFailure(request) || !usableHost(request.host) || request.method != "GET")
+        return std::nullopt;
+    const QString path = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path));
+    if (!path.startsWith(kApiPrefix))
+        return std::nullopt;
+    const auto endpoint = m_endpoints.constFind(path.mid(kApiPrefix.size()));
+    if (endpoint == m_endpoints.constEnd() || !endpoint->reads)
+        return std::nullopt;
+    const PayloadRead read = payloadOf(request, endpoint->payload);
+    if (read.failure)
+        return std::nullopt;
+    const BrowseQueryRead query =
+        BrowseQueryRead::read(*endpoint->reads, read.payload, originOf(request), ServerOptions::kMaxPageSize);
+    if (!query.query)
+        return std::nullopt;
+    const std::optional<QByteArray> body = m_cache.find(query.query->cacheKey());
+    if (!body)
+        return std::nullopt;
+    return ServerReply{200, kJson, *body, QByteArray(), QStringLiteral("cached")};
+}
+
+ForumRouter::PayloadRead ForumRouter::payloadOf(const ServerRequest &request, PayloadUse use)
+{
+    if (use == PayloadUse::None)
+        return {};
+    const std::optional<QByteArray> data = RequestPayload::dataParameter(request.rawQuery);
+    if (!data) {
+        if (use == PayloadUse::Required)
+            return {std::nullopt, failure(400, "bad_request", QStringLiteral("missing data parameter"))};
+        return {};
+    }
+    RequestPayload::Decoded decoded = RequestPayload::decode(*data);
+    if (!decoded.object)
+        return {std::nullopt, failure(400, "bad_request", decoded.error)};
+    return {std::move(decoded.object), std::nullopt};
 }
 
 ServerReply ForumRouter::api(const ServerRequest &request, const QString &name, const QString &origin)
@@ -107,24 +160,31 @@ ServerReply ForumRouter::api(const ServerRequest &request, const QString &name, 
         return failure(404, "unknown_endpoint", QStringLiteral("no endpoint %1").arg(name.left(64)));
     if (request.method != endpoint->method)
         return methodNotAllowed(endpoint->method);
-
-    std::optional<QJsonObject> payload;
-    if (endpoint->payload != PayloadUse::None) {
-        const std::optional<QByteArray> data = RequestPayload::dataParameter(request.rawQuery);
-        if (!data && endpoint->payload == PayloadUse::Required)
-            return failure(400, "bad_request", QStringLiteral("missing data parameter"));
-        if (data) {
-            RequestPayload::Decoded decoded = RequestPayload::decode(*data);
-            if (!decoded.object)
-                return failure(400, "bad_request", decoded.error);
-            payload = std::move(decoded.object);
-        }
-    }
-
-    const EndpointAnswer answer = endpoint->handler(payload, origin);
+    PayloadRead read = payloadOf(request, endpoint->payload);
+    if (read.failure)
+        return *read.failure;
+    if (endpoint->reads)
+        return browse(*endpoint->reads, read.payload, origin);
+    const EndpointAnswer answer = endpoint->writes(*read.payload);
     if (!answer.badRequest.isEmpty())
         return failure(400, "bad_request", answer.badRequest);
     return {200, kJson, AnswerEnvelope::wrap(answer.rdata), QByteArray(), QString()};
+}
+
+ServerReply ForumRouter::browse(BrowseQuery::Kind kind, const std::optional<QJsonObject> &payload,
+                                const QString &origin)
+{
+    const BrowseQueryRead read = BrowseQueryRead::read(kind, payload, origin, ServerOptions::kMaxPageSize);
+    if (!read.query)
+        return failure(400, "bad_request", read.rejection);
+    const QByteArray key = read.query->cacheKey();
+    if (const std::optional<QByteArray> cached = m_cache.find(key))
+        return {200, kJson, *cached, QByteArray(), QStringLiteral("cached")};
+    const EndpointAnswer answer = m_browse.answer(*read.query);
+    const QByteArray body = AnswerEnvelope::wrap(answer.rdata);
+    if (!answer.tags.isEmpty())
+        m_cache.insert(key, body, answer.tags);
+    return {200, kJson, body, QByteArray(), QString()};
 }
 
 ServerReply ForumRouter::picture(const QString &path)

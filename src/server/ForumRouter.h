@@ -1,8 +1,11 @@
 #pragma once
 // Turns one HTTP request into one answer: the forum API under /api/, pictures under /img/
 // and promotion pages under /pages/. Knows nothing of sockets, so tests and the fuzzer
-// call it directly. Lives on the store's thread.
+// call it directly. Reading answers are cached until a write (of any process sharing the
+// database) changes them. Lives on the store's thread, except cachedReply(), which any
+// thread may call.
 
+#include "AnswerCache.h"
 #include "BrowseEndpoints.h"
 #include "ImageFactory.h"
 #include "PostEndpoints.h"
@@ -38,11 +41,18 @@ class ForumRouter
 {
 public:
     ForumRouter(ForumStore &store, const ServerOptions &options, PostEndpoints::Clock clock);
+    ~ForumRouter();
+    ForumRouter(const ForumRouter &) = delete;
+    ForumRouter &operator=(const ForumRouter &) = delete;
 
     // The origin ("http://127.0.0.1:8080") used when a request has no usable Host header.
     void setFallbackOrigin(const QString &origin) { m_fallbackOrigin = origin; }
 
     ServerReply handle(const ServerRequest &request);
+    // The cached answer to a reading request, if there is one; never touches the store.
+    std::optional<ServerReply> cachedReply(const ServerRequest &request) const;
+
+    const AnswerCache &cache() const { return m_cache; }
 
 private:
     enum class PayloadUse { None, Optional, Required };
@@ -50,15 +60,26 @@ private:
     {
         QByteArray method;
         PayloadUse payload = PayloadUse::None;
-        // Given the payload (absent for a plain request) and the origin for addresses.
-        std::function<EndpointAnswer(const std::optional<QJsonObject> &, const QString &)> handler;
+        std::optional<BrowseQuery::Kind> reads;  // a reading endpoint answers this query
+        // A writing endpoint's handler, given the (required) payload.
+        std::function<EndpointAnswer(const QJsonObject &)> writes;
+    };
+    // A request's payload as its endpoint takes it, or the 400 answer it gets.
+    struct PayloadRead
+    {
+        std::optional<QJsonObject> payload;
+        std::optional<ServerReply> failure;
     };
 
+    static PayloadRead payloadOf(const ServerRequest &request, PayloadUse use);
+    std::optional<ServerReply> sizeFailure(const ServerRequest &request) const;
     ServerReply api(const ServerRequest &request, const QString &name, const QString &origin);
+    ServerReply browse(BrowseQuery::Kind kind, const std::optional<QJsonObject> &payload, const QString &origin);
     ServerReply picture(const QString &path);
     QString originOf(const ServerRequest &request) const;
 
     ForumStore &m_store;
+    AnswerCache m_cache;
     BrowseEndpoints m_browse;
     PostEndpoints m_post;
     ImageFactory m_images;

@@ -1,5 +1,8 @@
 #include "ForumStore.h"
 
+#include "AnswerTags.h"
+#include "ForumSchema.h"
+
 #include <QVariant>
 
 namespace {
@@ -58,9 +61,9 @@ UserRow userFrom(const QSqlQuery &q)
 
 // Runs a bound query and reads every row with `read`.
 template<typename Row>
-QList<Row> allRows(QSqlQuery &query, Row (*read)(const QSqlQuery &))
+QList<Row> allRows(ForumDatabase &database, QSqlQuery &query, Row (*read)(const QSqlQuery &))
 {
-    ForumDatabase::exec(query);
+    database.exec(query);
     QList<Row> rows;
     while (query.next())
         rows.append(read(query));
@@ -68,9 +71,9 @@ QList<Row> allRows(QSqlQuery &query, Row (*read)(const QSqlQuery &))
 }
 
 template<typename Row>
-std::optional<Row> firstRow(QSqlQuery &query, Row (*read)(const QSqlQuery &))
+std::optional<Row> firstRow(ForumDatabase &database, QSqlQuery &query, Row (*read)(const QSqlQuery &))
 {
-    ForumDatabase::exec(query);
+    database.exec(query);
     if (!query.next())
         return std::nullopt;
     return read(query);
@@ -85,23 +88,20 @@ ForumStore::ForumStore(ForumDatabase &database)
 
 bool ForumStore::isSeeded()
 {
-    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT value FROM meta WHERE key = ?"));
-    query.addBindValue(kSeededKey);
-    ForumDatabase::exec(query);
-    return query.next();
+    return m_database.meta(kSeededKey).has_value();
 }
 
 QList<SectionRow> ForumStore::sections()
 {
     QSqlQuery query = m_database.prepare(kSectionColumns + QStringLiteral("ORDER BY s.sortorder, s.sectionid"));
-    return allRows(query, sectionFrom);
+    return allRows(m_database, query, sectionFrom);
 }
 
 std::optional<SectionRow> ForumStore::section(qint64 sectionid)
 {
     QSqlQuery query = m_database.prepare(kSectionColumns + QStringLiteral("WHERE s.sectionid = ?"));
     query.addBindValue(sectionid);
-    return firstRow(query, sectionFrom);
+    return firstRow(m_database, query, sectionFrom);
 }
 
 QList<TopicRow> ForumStore::ordinaryTopics(qint64 sectionid, qint64 offset, qint64 limit)
@@ -112,7 +112,7 @@ QList<TopicRow> ForumStore::ordinaryTopics(qint64 sectionid, qint64 offset, qint
     query.addBindValue(sectionid);
     query.addBindValue(limit);
     query.addBindValue(offset);
-    return allRows(query, topicFrom);
+    return allRows(m_database, query, topicFrom);
 }
 
 QList<TopicRow> ForumStore::featuredTopics(qint64 sectionid)
@@ -121,14 +121,14 @@ QList<TopicRow> ForumStore::featuredTopics(qint64 sectionid)
         kTopicColumns + QStringLiteral("WHERE t.sectionid = ? AND t.featured = 1"
                                        " ORDER BY t.topictype, t.created DESC, t.tid DESC"));
     query.addBindValue(sectionid);
-    return allRows(query, topicFrom);
+    return allRows(m_database, query, topicFrom);
 }
 
 std::optional<TopicRow> ForumStore::topic(qint64 tid)
 {
     QSqlQuery query = m_database.prepare(kTopicColumns + QStringLiteral("WHERE t.tid = ?"));
     query.addBindValue(tid);
-    return firstRow(query, topicFrom);
+    return firstRow(m_database, query, topicFrom);
 }
 
 QList<ReplyRow> ForumStore::replies(qint64 tid, qint64 offset, qint64 limit)
@@ -139,27 +139,27 @@ QList<ReplyRow> ForumStore::replies(qint64 tid, qint64 offset, qint64 limit)
     query.addBindValue(tid);
     query.addBindValue(limit);
     query.addBindValue(offset);
-    return allRows(query, replyFrom);
+    return allRows(m_database, query, replyFrom);
 }
 
 QList<BannerRow> ForumStore::banners()
 {
     QSqlQuery query = m_database.prepare(kBannerColumns + QStringLiteral("ORDER BY bid"));
-    return allRows(query, bannerFrom);
+    return allRows(m_database, query, bannerFrom);
 }
 
 std::optional<BannerRow> ForumStore::banner(qint64 bid)
 {
     QSqlQuery query = m_database.prepare(kBannerColumns + QStringLiteral("WHERE bid = ?"));
     query.addBindValue(bid);
-    return firstRow(query, bannerFrom);
+    return firstRow(m_database, query, bannerFrom);
 }
 
 std::optional<UserRow> ForumStore::user(qint64 userid)
 {
     QSqlQuery query = m_database.prepare(kUserColumns + QStringLiteral("WHERE userid = ?"));
     query.addBindValue(userid);
-    return firstRow(query, userFrom);
+    return firstRow(m_database, query, userFrom);
 }
 
 UserRow ForumStore::userForDevice(const QString &imei, const QString &devicetype, qint64 nowMs)
@@ -167,42 +167,58 @@ UserRow ForumStore::userForDevice(const QString &imei, const QString &devicetype
     ForumDatabase::Transaction transaction(m_database);
     QSqlQuery find = m_database.prepare(kUserColumns + QStringLiteral("WHERE imei = ?"));
     find.addBindValue(imei);
-    if (std::optional<UserRow> known = firstRow(find, userFrom))
+    if (std::optional<UserRow> known = firstRow(m_database, find, userFrom))
         return *known;
 
+    // Another process may add the same device meanwhile; then its user is this one's.
     QSqlQuery insert = m_database.prepare(QStringLiteral(
-        "INSERT INTO users(imei, devicetype, username, created) VALUES (?, ?, '', ?)"));
+        "INSERT INTO users(imei, devicetype, username, created) VALUES (?, ?, '', ?)"
+        " ON CONFLICT(imei) DO NOTHING RETURNING userid"));
     insert.addBindValue(imei);
     insert.addBindValue(devicetype);
     insert.addBindValue(nowMs);
-    ForumDatabase::exec(insert);
-    const qint64 userid = insert.lastInsertId().toLongLong();
+    const std::optional<qint64> inserted = m_database.execReturningKey(insert);
+    if (!inserted) {
+        transaction.commit();
+        return userForDevice(imei, devicetype, nowMs);
+    }
+    const qint64 userid = *inserted;
 
     // Temporary users are named after their id, which only exists once inserted.
     const QString username = QStringLiteral("玩家%1").arg(userid);
     QSqlQuery name = m_database.prepare(QStringLiteral("UPDATE users SET username = ? WHERE userid = ?"));
     name.addBindValue(username);
     name.addBindValue(userid);
-    ForumDatabase::exec(name);
+    m_database.exec(name);
     transaction.commit();
     return {userid, username, imei, devicetype};
+}
+
+qint64 ForumStore::sectionOfTopic(qint64 tid)
+{
+    QSqlQuery query = m_database.prepare(QStringLiteral("SELECT sectionid FROM topics WHERE tid = ?"));
+    query.addBindValue(tid);
+    m_database.exec(query);
+    return query.next() ? query.value(0).toLongLong() : 0;
 }
 
 ForumStore::PostOutcome ForumStore::post(const PostDraft &draft, qint64 nowMs, qint64 intervalMs)
 {
     ForumDatabase::Transaction transaction(m_database);
-    QSqlQuery last = m_database.prepare(QStringLiteral("SELECT lastpost FROM users WHERE userid = ?"));
+    // The user's row stays locked until commit: two processes checking the interval take turns.
+    QSqlQuery last = m_database.prepare(QStringLiteral("SELECT lastpost FROM users WHERE userid = ?")
+                                        + m_database.dialect().lockRows());
     last.addBindValue(draft.userid);
-    ForumDatabase::exec(last);
+    m_database.exec(last);
     if (last.next() && !last.value(0).isNull() && nowMs - last.value(0).toLongLong() < intervalMs)
         return {PostResult::TooSoon, 0};
 
     QSqlQuery insert = draft.tid == 0
         ? m_database.prepare(QStringLiteral(
               "INSERT INTO topics(sectionid, userid, title, content, topictype, featured, created)"
-              " VALUES (?, ?, ?, ?, 0, 0, ?)"))
+              " VALUES (?, ?, ?, ?, 0, 0, ?) RETURNING tid"))
         : m_database.prepare(QStringLiteral(
-              "INSERT INTO replies(tid, userid, content, istop, created) VALUES (?, ?, ?, 0, ?)"));
+              "INSERT INTO replies(tid, userid, content, istop, created) VALUES (?, ?, ?, 0, ?) RETURNING rid"));
     if (draft.tid == 0) {
         insert.addBindValue(draft.sectionid);
         insert.addBindValue(draft.userid);
@@ -213,13 +229,14 @@ ForumStore::PostOutcome ForumStore::post(const PostDraft &draft, qint64 nowMs, q
     }
     insert.addBindValue(draft.content);
     insert.addBindValue(nowMs);
-    ForumDatabase::exec(insert);
-    const qint64 id = insert.lastInsertId().toLongLong();
+    const qint64 id = m_database.execReturningKey(insert).value_or(0);
+    transaction.announce(draft.tid == 0 ? AnswerTags::forNewTopic(draft.sectionid, id)
+                                        : AnswerTags::forNewReply(draft.tid, sectionOfTopic(draft.tid)));
 
     QSqlQuery stamp = m_database.prepare(QStringLiteral("UPDATE users SET lastpost = ? WHERE userid = ?"));
     stamp.addBindValue(nowMs);
     stamp.addBindValue(draft.userid);
-    ForumDatabase::exec(stamp);
+    m_database.exec(stamp);
     transaction.commit();
     return {PostResult::Stored, id};
 }
@@ -228,6 +245,13 @@ ForumStore::DemoWriter::DemoWriter(ForumStore &store)
     : m_store(store)
     , m_transaction(store.m_database)
 {
+    // Server processes starting together on one database seed it once.
+    m_transaction.lock(ForumSchema::kSetupLock);
+}
+
+bool ForumStore::DemoWriter::alreadySeeded()
+{
+    return m_store.isSeeded();
 }
 
 void ForumStore::DemoWriter::addSection(qint64 sectionid, const QString &name, const QString &tag,
@@ -238,17 +262,16 @@ void ForumStore::DemoWriter::addSection(qint64 sectionid, const QString &name, c
     for (const QVariant &value : {QVariant(sectionid), QVariant(name), QVariant(tag), QVariant(tagid),
                                   QVariant(sectionid)})
         query.addBindValue(value);
-    ForumDatabase::exec(query);
+    m_store.m_database.exec(query);
 }
 
 qint64 ForumStore::DemoWriter::addUser(const QString &username, qint64 createdMs)
 {
     QSqlQuery query = m_store.m_database.prepare(
-        QStringLiteral("INSERT INTO users(imei, username, created) VALUES (NULL, ?, ?)"));
+        QStringLiteral("INSERT INTO users(imei, username, created) VALUES (NULL, ?, ?) RETURNING userid"));
     query.addBindValue(username);
     query.addBindValue(createdMs);
-    ForumDatabase::exec(query);
-    return query.lastInsertId().toLongLong();
+    return m_store.m_database.execReturningKey(query).value_or(0);
 }
 
 void ForumStore::DemoWriter::addTopic(const TopicRow &topic, bool featured)
@@ -261,7 +284,7 @@ void ForumStore::DemoWriter::addTopic(const TopicRow &topic, bool featured)
                                   QVariant(topic.topictype), QVariant(featured ? 1 : 0),
                                   QVariant(topic.createdMs)})
         query.addBindValue(value);
-    ForumDatabase::exec(query);
+    m_store.m_database.exec(query);
 }
 
 void ForumStore::DemoWriter::addReply(const ReplyRow &reply)
@@ -271,7 +294,7 @@ void ForumStore::DemoWriter::addReply(const ReplyRow &reply)
     for (const QVariant &value : {QVariant(reply.tid), QVariant(reply.userid), QVariant(reply.content),
                                   QVariant(reply.istop), QVariant(reply.createdMs)})
         query.addBindValue(value);
-    ForumDatabase::exec(query);
+    m_store.m_database.exec(query);
 }
 
 void ForumStore::DemoWriter::addBanner(const BannerRow &banner)
@@ -281,14 +304,18 @@ void ForumStore::DemoWriter::addBanner(const BannerRow &banner)
     for (const QVariant &value : {QVariant(banner.bid), QVariant(banner.title), QVariant(banner.tid),
                                   QVariant(banner.urltype), QVariant(banner.page)})
         query.addBindValue(value);
-    ForumDatabase::exec(query);
+    m_store.m_database.exec(query);
 }
 
 void ForumStore::DemoWriter::commit()
 {
     QSqlQuery query = m_store.m_database.prepare(
-        QStringLiteral("INSERT OR REPLACE INTO meta(key, value) VALUES (?, '1')"));
+        QStringLiteral("INSERT INTO meta(key, value) VALUES (?, '1') ON CONFLICT(key) DO NOTHING"));
     query.addBindValue(kSeededKey);
-    ForumDatabase::exec(query);
+    m_store.m_database.exec(query);
+    // New topics continue above the demo's numbered ones.
+    const QString resync = m_store.m_database.dialect().resyncGeneratedKey(QStringLiteral("topics"), QStringLiteral("tid"));
+    if (!resync.isEmpty())
+        m_store.m_database.run(resync);
     m_transaction.commit();
 }

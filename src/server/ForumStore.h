@@ -76,6 +76,8 @@ class ForumStore
 public:
     explicit ForumStore(ForumDatabase &database);
 
+    ForumDatabase &database() { return m_database; }
+
     bool isSeeded();
     QList<SectionRow> sections();
     std::optional<SectionRow> section(qint64 sectionid);
@@ -100,14 +102,18 @@ public:
         qint64 id = 0;  // the new topic's tid or reply's rid
     };
     // Stores the post unless the user posted less than `intervalMs` before `nowMs`; the
-    // check and the write are one transaction.
+    // check and the write are one transaction, with the user's row locked across processes.
+    // Announces the answers it changes (AnswerTags).
     PostOutcome post(const PostDraft &draft, qint64 nowMs, qint64 intervalMs);
 
     // Demo data is written in one go by DemoData through these.
     class DemoWriter
     {
     public:
+        // Holds the seeding lock until commit.
         explicit DemoWriter(ForumStore &store);
+        // Seeded by another process while this one waited for the lock.
+        bool alreadySeeded();
         void addSection(qint64 sectionid, const QString &name, const QString &tag, qint64 tagid);
         qint64 addUser(const QString &username, qint64 createdMs);
         void addTopic(const TopicRow &topic, bool featured);
@@ -121,5 +127,7 @@ public:
     };
 
 private:
+    qint64 sectionOfTopic(qint64 tid);
+
     ForumDatabase &m_database;
 };

@@ -54,10 +54,11 @@ int main(int argc, char **argv)
     }
 
     ForumRouter router(store, options, [] { return QDateTime::currentMSecsSinceEpoch(); });
-    const QByteArray pushSecret =
-        PushGatewaySecret::create(PushGatewaySecret::filePathFor(options.databasePath), &error);
-    if (pushSecret.isEmpty()) {
-        serverLog(error);
+    QByteArray pushSecret;
+    try {
+        pushSecret = PushGatewaySecret::ofDatabase(*database);
+    } catch (const StoreError &failure) {
+        serverLog(QStringLiteral("cannot read the push secret: %1").arg(QString::fromStdString(failure.what())));
         return 1;
     }
     PushGateway gateway(*database, {pushSecret, {options.pushLaunchPolicy, 0}, options.maxBodyBytes});

@@ -33,9 +33,14 @@ QByteArray withField(const QJsonObject &payload, const char *key, const QJsonVal
 
 } // namespace
 
-TEST(ServerBadRequests, AreAnswered4xxWithAJsonErrorAndChangeNothing)
+class ServerBadRequests : public ::testing::TestWithParam<StoreKind>
 {
-    ServerHarness forum;
+};
+QUORVEL_FOR_BOTH_STORES(ServerBadRequests);
+
+TEST_P(ServerBadRequests, AreAnswered4xxWithAJsonErrorAndChangeNothing)
+{
+    ServerHarness forum(GetParam());
     const qint64 user = forum.userFor(ServerHarness::kImei);
     const QJsonObject topic = forum.topicPayload(user, "标题", "内容");
     const QJsonObject listing = ServerHarness::with(ServerHarness::device(),
@@ -89,13 +94,13 @@ TEST(ServerBadRequests, AreAnswered4xxWithAJsonErrorAndChangeNothing)
     EXPECT_EQ(forum.describe(forum.call("WriteTopic", topic)), QString::fromUtf8(Demo::kTopicPosted));
 }
 
-TEST(ServerBadRequests, PlusInTheRawQueryStaysAPlus)
+TEST_P(ServerBadRequests, PlusInTheRawQueryStaysAPlus)
 {
     EXPECT_EQ(RequestPayload::dataParameter("x=1&data=ab+c%2B%3D&data=zz"), QByteArray("ab+c+="));
     EXPECT_EQ(RequestPayload::dataParameter("metadata=1"), std::nullopt);
 
     // A payload whose Base64 holds "+" signs, sent literally as the client sends it.
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     for (int i = 0; i < 64; ++i) {
         const QString imei = QStringLiteral("device-%1").arg(i);
         const QByteArray data = ServerHarness::encipher(ServerHarness::device(imei));
@@ -109,9 +114,9 @@ TEST(ServerBadRequests, PlusInTheRawQueryStaysAPlus)
     FAIL() << "no payload with a plus sign found";
 }
 
-TEST(ServerBadRequests, PicturesAndPagesOutsideTheDemoAreNotFound)
+TEST_P(ServerBadRequests, PicturesAndPagesOutsideTheDemoAreNotFound)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     for (const QByteArray path : {"/img/section/99.png", "/img/header/0.png", "/img/banner/6.png",
                                   "/pages/3.html", "/pages/1.png", "/img/section/1.html",
                                   "/img/section/-1.png", "/img/section/99999999999999.png"})

@@ -29,9 +29,14 @@ void expectTopicShape(const QJsonObject &topic)
 
 } // namespace
 
-TEST(ServerEndpointAnswers, BannerItemsOpenTopicsOrServedPages)
+class ServerEndpointAnswers : public ::testing::TestWithParam<StoreKind>
 {
-    ServerHarness forum;
+};
+QUORVEL_FOR_BOTH_STORES(ServerEndpointAnswers);
+
+TEST_P(ServerEndpointAnswers, BannerItemsOpenTopicsOrServedPages)
+{
+    ServerHarness forum(GetParam());
     const ApiAnswer answer = forum.raw("GET", "/api/GetAdRecom");
     ASSERT_EQ(answer.status, 200);
     EXPECT_EQ(answer.reply.contentType, "application/json");
@@ -63,9 +68,9 @@ TEST(ServerEndpointAnswers, BannerItemsOpenTopicsOrServedPages)
     EXPECT_EQ(items.size() - topicItems, Demo::kBannerPageItems);
 }
 
-TEST(ServerEndpointAnswers, BoardsPlainAndEncipheredCarryTheirPictures)
+TEST_P(ServerEndpointAnswers, BoardsPlainAndEncipheredCarryTheirPictures)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const QJsonArray plain = forum.boards();
     const QJsonArray enciphered =
         forum.call("GetSection", ServerHarness::with(ServerHarness::device(), {{"userid", 0}})).rdata.toArray();
@@ -90,9 +95,9 @@ TEST(ServerEndpointAnswers, BoardsPlainAndEncipheredCarryTheirPictures)
     EXPECT_EQ(first["sectiontopic"].toInt(), Demo::kBoardTopicCount);
 }
 
-TEST(ServerEndpointAnswers, PictureAddressesFollowTheHostTheClientUsed)
+TEST_P(ServerEndpointAnswers, PictureAddressesFollowTheHostTheClientUsed)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const auto iconOf = [&](const QByteArray &host) {
         return forum.raw("GET", "/api/GetSection", {}, {}, host).rdata[0]["sectionico"].toString();
     };
@@ -103,9 +108,9 @@ TEST(ServerEndpointAnswers, PictureAddressesFollowTheHostTheClientUsed)
     EXPECT_TRUE(iconOf("").startsWith("http://127.0.0.1:8080/"));
 }
 
-TEST(ServerEndpointAnswers, TopicPagesRunNewestFirstToAnEmptyPageAfterTheLast)
+TEST_P(ServerEndpointAnswers, TopicPagesRunNewestFirstToAnEmptyPageAfterTheLast)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     QSet<qint64> seen;
     QString previousTime = QStringLiteral("9999");
     const int pages = (Demo::kBoardOrdinaryTopics + 9) / 10;
@@ -137,9 +142,9 @@ TEST(ServerEndpointAnswers, TopicPagesRunNewestFirstToAnEmptyPageAfterTheLast)
         EXPECT_EQ(forum.topicsPage(board, 1, 100).size(), Demo::kOrdinaryTopicCounts[board - 1]);
 }
 
-TEST(ServerEndpointAnswers, TopTopicsArePinnedGuideAndAFewOthers)
+TEST_P(ServerEndpointAnswers, TopTopicsArePinnedGuideAndAFewOthers)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const QJsonArray top =
         forum.call("GetTopTopic", ServerHarness::with(ServerHarness::device(), {{"sectionid", Demo::kBoardId}}))
             .rdata.toArray();
@@ -159,9 +164,9 @@ TEST(ServerEndpointAnswers, TopTopicsArePinnedGuideAndAFewOthers)
     EXPECT_EQ(others, QSet<int>({0, 5}));
 }
 
-TEST(ServerEndpointAnswers, TopicDetailAnswersTheTopicWhateverBoardIsNamed)
+TEST_P(ServerEndpointAnswers, TopicDetailAnswersTheTopicWhateverBoardIsNamed)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const QJsonValue detail = forum.call("TopicDetail", forum.detailPayload(Demo::kManyRepliesTopicId, 5)).rdata;
     ASSERT_TRUE(detail.isObject());
     expectTopicShape(detail.toObject());
@@ -173,9 +178,9 @@ TEST(ServerEndpointAnswers, TopicDetailAnswersTheTopicWhateverBoardIsNamed)
     EXPECT_TRUE(forum.call("RepliesLog", forum.detailPayload(987654)).rdata.isNull());
 }
 
-TEST(ServerEndpointAnswers, RepliesComeHighlightedFirstAndPageByFifty)
+TEST_P(ServerEndpointAnswers, RepliesComeHighlightedFirstAndPageByFifty)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const QJsonArray first = forum.replies(Demo::kManyRepliesTopicId);
     ASSERT_EQ(first.size(), 50);
     EXPECT_EQ(Demo::kManyRepliesHighlighted + Demo::kManyRepliesFirstPageOrdinary, 50);

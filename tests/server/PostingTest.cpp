@@ -16,9 +16,14 @@ int boardTopicCount(ServerHarness &forum, int index = 0)
 
 } // namespace
 
-TEST(ServerPosting, TemporaryUserIdIsStablePerDevice)
+class ServerPosting : public ::testing::TestWithParam<StoreKind>
 {
-    ServerHarness forum;
+};
+QUORVEL_FOR_BOTH_STORES(ServerPosting);
+
+TEST_P(ServerPosting, TemporaryUserIdIsStablePerDevice)
+{
+    ServerHarness forum(GetParam());
     const ApiAnswer answer = forum.call("GetTempUserInfo", ServerHarness::device("device-a"));
     ASSERT_EQ(answer.status, 200);
     const QJsonValue userinfo = answer.rdata["userinfo"];
@@ -32,9 +37,9 @@ TEST(ServerPosting, TemporaryUserIdIsStablePerDevice)
     EXPECT_EQ(forum.call("GetTempUserInfo", ServerHarness::device("  ")).status, 400);
 }
 
-TEST(ServerPosting, NewTopicAppearsInListCountAndDetail)
+TEST_P(ServerPosting, NewTopicAppearsInListCountAndDetail)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const qint64 user = forum.userFor(ServerHarness::kImei);
     const int countBefore = boardTopicCount(forum);
 
@@ -56,9 +61,9 @@ TEST(ServerPosting, NewTopicAppearsInListCountAndDetail)
     EXPECT_EQ(forum.boards().at(0)["tid"].toInteger(), tid);
 }
 
-TEST(ServerPosting, ReplyAppearsFirstAmongRepliesAndCounts)
+TEST_P(ServerPosting, ReplyAppearsFirstAmongRepliesAndCounts)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const qint64 user = forum.userFor(ServerHarness::kImei);
     const ApiAnswer posted = forum.call("RepliesleTopic", forum.replyPayload(user, Demo::kManyRepliesTopicId, "+1 谢谢"));
     ASSERT_EQ(posted.status, 200);
@@ -72,18 +77,18 @@ TEST(ServerPosting, ReplyAppearsFirstAmongRepliesAndCounts)
     EXPECT_EQ(forum.detail(Demo::kManyRepliesTopicId)["replycount"].toInt(), Demo::kManyRepliesCount + 1);
 }
 
-TEST(ServerPosting, UserZeroPostsAsTheDevicesTemporaryUser)
+TEST_P(ServerPosting, UserZeroPostsAsTheDevicesTemporaryUser)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const ApiAnswer posted = forum.call("WriteTopic", forum.topicPayload(0, kTitle, kBody));
     ASSERT_EQ(forum.describe(posted), QString::fromUtf8(Demo::kTopicPosted));
     EXPECT_EQ(forum.detail(posted.rdata["tid"].toInteger())["userid"].toInteger(),
               forum.userFor(ServerHarness::kImei));
 }
 
-TEST(ServerPosting, SecondPostWithinTheIntervalIsRefusedAcrossBothKinds)
+TEST_P(ServerPosting, SecondPostWithinTheIntervalIsRefusedAcrossBothKinds)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const qint64 user = forum.userFor(ServerHarness::kImei);
     ASSERT_EQ(forum.describe(forum.call("WriteTopic", forum.topicPayload(user, kTitle, kBody))),
               QString::fromUtf8(Demo::kTopicPosted));
@@ -105,9 +110,9 @@ TEST(ServerPosting, SecondPostWithinTheIntervalIsRefusedAcrossBothKinds)
               QString::fromUtf8(Demo::kReplyPosted));
 }
 
-TEST(ServerPosting, RefusedPostsStoreNothingAndSayWhy)
+TEST_P(ServerPosting, RefusedPostsStoreNothingAndSayWhy)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const qint64 user = forum.userFor(ServerHarness::kImei);
     const QString longestTitle(Demo::kMaxTitleLength, QChar(u'长'));
     const QString longestBody(Demo::kMaxContentLength, QChar(u'字'));
@@ -137,9 +142,9 @@ TEST(ServerPosting, RefusedPostsStoreNothingAndSayWhy)
               QString::fromUtf8(Demo::kTopicPosted));
 }
 
-TEST(ServerPosting, ReplyToAPosterAndTagAsTextAreAccepted)
+TEST_P(ServerPosting, ReplyToAPosterAndTagAsTextAreAccepted)
 {
-    ServerHarness forum;
+    ServerHarness forum(GetParam());
     const qint64 user = forum.userFor(ServerHarness::kImei);
     // Replying to a poster sends the poster's name as the title and any board id.
     QJsonObject reply = forum.replyPayload(user, Demo::kNewestTopicId, "同意楼上");

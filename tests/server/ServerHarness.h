@@ -1,12 +1,15 @@
 #pragma once
-// An in-process forum: the server's router over a real SQLite file in a temporary folder,
-// seeded with the demo data, with a clock the test moves by hand. Requests are made as
-// the client makes them (pretty-printed JSON, enciphered, in the raw query).
+// An in-process forum: the server's router over a real database, seeded with the demo
+// data, with a clock the test moves by hand: a SQLite file in a temporary folder, or a fresh
+// database of the throwaway PostgreSQL cluster. Requests are made as the client makes them
+// (pretty-printed JSON, enciphered, in the raw query). Suites run on both stores through
+// StoreKind parameters (see ForBothStores).
 
 #include "AnswerEnvelope.h"
 #include "DemoData.h"
 #include "DesCryptUtil.h"
 #include "ForumRouter.h"
+#include "LocalPostgres.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -16,6 +19,39 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+
+enum class StoreKind { SQLite, PostgreSQL };
+
+inline std::string storeName(const ::testing::TestParamInfo<StoreKind> &info)
+{
+    return info.param == StoreKind::SQLite ? "SQLite" : "PostgreSQL";
+}
+
+// A suite of TEST_P cases over both stores:
+//   class ServerPosting : public ::testing::TestWithParam<StoreKind> {};
+//   QUORVEL_FOR_BOTH_STORES(ServerPosting);
+#define QUORVEL_FOR_BOTH_STORES(suite)                                                                      \
+    INSTANTIATE_TEST_SUITE_P(, suite, ::testing::Values(StoreKind::SQLite, StoreKind::PostgreSQL), storeName)
+
+// A database of `kind` seeded with the demo forum: a file in `folder`, or a fresh database
+// of the shared test cluster. Empty, after a test failure, when it cannot be made.
+inline QString seededForum(StoreKind kind, const QTemporaryDir &folder)
+{
+    if (kind == StoreKind::SQLite)
+        return folder.filePath(QStringLiteral("forum.sqlite"));
+    LocalPostgres &postgres = LocalPostgres::shared();
+    const QString url = postgres.freshDatabase([](const QString &templateUrl) {
+        QString error;
+        std::unique_ptr<ForumDatabase> database = ForumDatabase::open(templateUrl, &error);
+        if (!database)
+            return false;
+        ForumStore store(*database);
+        DemoData::seed(store);
+        return true;
+    });
+    EXPECT_FALSE(url.isEmpty()) << postgres.errorString().toStdString();
+    return url;
+}
 
 struct ApiAnswer
 {
@@ -30,11 +66,14 @@ public:
     static constexpr const char *kOrigin = "http://forum.test:8080";
     static constexpr const char *kImei = "0123456789abcdef0123456789abcdef01234567";
 
-    explicit ServerHarness(ServerOptions options = defaultOptions())
+    explicit ServerHarness(StoreKind kind = StoreKind::SQLite, ServerOptions options = defaultOptions())
     {
         QString error;
-        m_database = ForumDatabase::open(m_folder.filePath(QStringLiteral("forum.sqlite")), &error);
-        EXPECT_TRUE(m_database) << error.toStdString();
+        m_database = ForumDatabase::open(seededForum(kind, m_folder), &error);
+        if (!m_database) {
+            ADD_FAILURE() << error.toStdString();
+            return;
+        }
         m_store = std::make_unique<ForumStore>(*m_database);
         DemoData::seed(*m_store);
         m_router = std::make_unique<ForumRouter>(*m_store, options, [this] { return nowMs; });
@@ -58,6 +97,8 @@ public:
                   const QByteArray &body = {}, const QByteArray &host = "forum.test:8080")
     {
         ApiAnswer answer;
+        if (!m_router)
+            return answer;
         answer.reply = m_router->handle({method, path, rawQuery, body, host});
         answer.status = answer.reply.status;
         if (const std::optional<QJsonValue> rdata = AnswerEnvelope::unwrap(answer.reply.body))
@@ -120,6 +161,8 @@ public:
     QString describe(const ApiAnswer &answer) { return answer.rdata[QStringLiteral("description")].toString(); }
 
     qint64 nowMs = 1'790'000'000'000;  // moved by the tests; the rate limit reads it
+
+    ForumRouter &router() { return *m_router; }
 
 private:
     QTemporaryDir m_folder;

@@ -1,28 +1,27 @@
 #include "PushGatewaySecret.h"
 
+#include "ForumDatabase.h"
+
 #include <QFile>
 #include <QRandomGenerator>
-#include <QSaveFile>
 
-QString PushGatewaySecret::filePathFor(const QString &databasePath)
-{
-    return databasePath + QStringLiteral(".push-secret");
-}
+namespace {
+const QString kMetaKey = QStringLiteral("push_secret");
+} // namespace
 
-QByteArray PushGatewaySecret::create(const QString &filePath, QString *error)
+QByteArray PushGatewaySecret::ofDatabase(ForumDatabase &database)
 {
     QByteArray bytes(kBytes, Qt::Uninitialized);
     QRandomGenerator::system()->fillRange(reinterpret_cast<quint32 *>(bytes.data()), kBytes / int(sizeof(quint32)));
-    const QByteArray secret = bytes.toHex();
-    QSaveFile file(filePath);
-    // The permissions are set before any byte is written, so no one else can read it early.
-    if (!file.open(QIODevice::WriteOnly)
-        || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)
-        || file.write(secret + '\n') != secret.size() + 1 || !file.commit()) {
-        *error = QStringLiteral("cannot write the push secret %1: %2").arg(filePath, file.errorString());
-        return {};
-    }
-    return secret;
+    return database.metaOrStore(kMetaKey, QString::fromLatin1(bytes.toHex())).toLatin1();
+}
+
+std::optional<QByteArray> PushGatewaySecret::storedIn(ForumDatabase &database)
+{
+    const std::optional<QString> stored = database.meta(kMetaKey);
+    if (!stored)
+        return std::nullopt;
+    return stored->toLatin1();
 }
 
 QByteArray PushGatewaySecret::read(const QString &filePath, QString *error)

@@ -1,10 +1,14 @@
 #pragma once
-// The operator's secret for sending pushes: made afresh at every server start and written
-// next to the database, readable only by the server's user; `push send` reads it from
-// there. Stateless; any thread.
+// The operator's secret for sending pushes: made once per database and kept in it, so every
+// server process on that database takes the same one; `push send --db` reads it from there,
+// or from a file the operator keeps. Stateless; the database's thread.
 
 #include <QByteArray>
 #include <QString>
+
+#include <optional>
+
+class ForumDatabase;
 
 class PushGatewaySecret
 {
@@ -13,10 +17,10 @@ public:
 
     static constexpr int kBytes = 32;
 
-    // "<database>.push-secret".
-    static QString filePathFor(const QString &databasePath);
-    // A new secret written to `filePath` (mode 0600); empty, with `error` set, when it cannot be.
-    static QByteArray create(const QString &filePath, QString *error);
+    // The database's secret, made by whichever process asks first. Throws StoreError.
+    static QByteArray ofDatabase(ForumDatabase &database);
+    // The database's secret if a server has made one. Throws StoreError.
+    static std::optional<QByteArray> storedIn(ForumDatabase &database);
     // The secret in `filePath`; empty, with `error` set, when there is none.
     static QByteArray read(const QString &filePath, QString *error);
     // Compares without leaking where two texts differ.

@@ -6,19 +6,6 @@
 
 namespace {
 
-const char *const kSchema[] = {
-    "CREATE TABLE IF NOT EXISTS push_devices(token TEXT PRIMARY KEY, appkey TEXT NOT NULL,"
-    " header TEXT NOT NULL, registered INTEGER, launched INTEGER, reports INTEGER NOT NULL DEFAULT 0)",
-    "CREATE TABLE IF NOT EXISTS push_tags(token TEXT NOT NULL, tag TEXT NOT NULL, PRIMARY KEY(token, tag))",
-    "CREATE TABLE IF NOT EXISTS push_aliases(token TEXT NOT NULL, alias TEXT NOT NULL, type TEXT NOT NULL,"
-    " PRIMARY KEY(token, alias, type))",
-    "CREATE TABLE IF NOT EXISTS push_messages(id INTEGER PRIMARY KEY AUTOINCREMENT, token TEXT NOT NULL,"
-    " msgid TEXT NOT NULL, userinfo TEXT NOT NULL, created INTEGER NOT NULL)",
-    "CREATE INDEX IF NOT EXISTS push_messages_by_token ON push_messages(token, id)",
-    "CREATE TABLE IF NOT EXISTS push_clicks(id INTEGER PRIMARY KEY, token TEXT NOT NULL, msgid TEXT NOT NULL,"
-    " ts REAL NOT NULL, received INTEGER NOT NULL)",
-};
-
 const QString kEpochKey = QStringLiteral("push_epoch");
 
 // Text columns are NOT NULL: a missing text is stored as an empty one.
@@ -31,28 +18,13 @@ QString text(const QString &value)
 
 PushGatewayStore::PushGatewayStore(ForumDatabase &database)
     : m_database(database)
+    , m_epoch(database.metaOrStore(kEpochKey, QString::number(QRandomGenerator::system()->generate64(), 36)))
 {
-    for (const char *statement : kSchema) {
-        QSqlQuery query = m_database.prepare(QString::fromLatin1(statement));
-        ForumDatabase::exec(query);
-    }
-    QSqlQuery read = m_database.prepare(QStringLiteral("SELECT value FROM meta WHERE key = ?"));
-    read.addBindValue(kEpochKey);
-    ForumDatabase::exec(read);
-    if (read.next()) {
-        m_epoch = read.value(0).toString();
-        return;
-    }
-    m_epoch = QString::number(QRandomGenerator::system()->generate64(), 36);
-    QSqlQuery write = m_database.prepare(QStringLiteral("INSERT INTO meta(key, value) VALUES(?, ?)"));
-    write.addBindValue(kEpochKey);
-    write.addBindValue(m_epoch);
-    ForumDatabase::exec(write);
 }
 
 QStringList PushGatewayStore::column(QSqlQuery &query)
 {
-    ForumDatabase::exec(query);
+    m_database.exec(query);
     QStringList values;
     while (query.next())
         values << query.value(0).toString();
@@ -71,16 +43,16 @@ void PushGatewayStore::reportDevice(const QString &token, bool isRegister, const
     query.addBindValue(text(header.value(QStringLiteral("appkey")).toString()));
     query.addBindValue(QString::fromUtf8(QJsonDocument(header).toJson(QJsonDocument::Compact)));
     query.addBindValue(now);
-    ForumDatabase::exec(query);
+    m_database.exec(query);
 }
 
 void PushGatewayStore::recordStreamDevice(const QString &token)
 {
     // No report yet: no app key, an empty header and no report times until one comes.
     QSqlQuery query = m_database.prepare(
-        QStringLiteral("INSERT OR IGNORE INTO push_devices(token, appkey, header) VALUES(?, '', '{}')"));
+        QStringLiteral("INSERT INTO push_devices(token, appkey, header) VALUES(?, '', '{}') ON CONFLICT DO NOTHING"));
     query.addBindValue(text(token));
-    ForumDatabase::exec(query);
+    m_database.exec(query);
 }
 
 QStringList PushGatewayStore::tags(const QString &token)
@@ -92,7 +64,7 @@ QStringList PushGatewayStore::tags(const QString &token)
 
 void PushGatewayStore::addTags(const QString &token, const QStringList &tags)
 {
-    execForEachTag(QStringLiteral("INSERT OR IGNORE INTO push_tags(token, tag) VALUES(?, ?)"), token, tags);
+    execForEachTag(QStringLiteral("INSERT INTO push_tags(token, tag) VALUES(?, ?) ON CONFLICT DO NOTHING"), token, tags);
 }
 
 void PushGatewayStore::removeTags(const QString &token, const QStringList &tags)
@@ -107,7 +79,7 @@ void PushGatewayStore::execForEachTag(const QString &statement, const QString &t
         QSqlQuery query = m_database.prepare(statement);
         query.addBindValue(text(token));
         query.addBindValue(text(tag));
-        ForumDatabase::exec(query);
+        m_database.exec(query);
     }
     transaction.commit();
 }
@@ -116,7 +88,7 @@ void PushGatewayStore::resetTags(const QString &token)
 {
     QSqlQuery query = m_database.prepare(QStringLiteral("DELETE FROM push_tags WHERE token = ?"));
     query.addBindValue(text(token));
-    ForumDatabase::exec(query);
+    m_database.exec(query);
 }
 
 QStringList PushGatewayStore::aliases(const QString &token)
@@ -130,11 +102,11 @@ QStringList PushGatewayStore::aliases(const QString &token)
 void PushGatewayStore::addAlias(const QString &token, const QString &alias, const QString &type)
 {
     QSqlQuery query = m_database.prepare(
-        QStringLiteral("INSERT OR IGNORE INTO push_aliases(token, alias, type) VALUES(?, ?, ?)"));
+        QStringLiteral("INSERT INTO push_aliases(token, alias, type) VALUES(?, ?, ?) ON CONFLICT DO NOTHING"));
     query.addBindValue(text(token));
     query.addBindValue(text(alias));
     query.addBindValue(text(type));
-    ForumDatabase::exec(query);
+    m_database.exec(query);
 }
 
 void PushGatewayStore::setAlias(const QString &token, const QString &alias, const QString &type)
@@ -143,7 +115,7 @@ void PushGatewayStore::setAlias(const QString &token, const QString &alias, cons
     QSqlQuery clear = m_database.prepare(QStringLiteral("DELETE FROM push_aliases WHERE token = ? AND type = ?"));
     clear.addBindValue(text(token));
     clear.addBindValue(text(type));
-    ForumDatabase::exec(clear);
+    m_database.exec(clear);
     addAlias(token, alias, type);
     transaction.commit();
 }
@@ -155,7 +127,7 @@ void PushGatewayStore::removeAlias(const QString &token, const QString &alias, c
     query.addBindValue(text(token));
     query.addBindValue(text(alias));
     query.addBindValue(text(type));
-    ForumDatabase::exec(query);
+    m_database.exec(query);
 }
 
 QStringList PushGatewayStore::recipients(const Target &target)
@@ -192,13 +164,12 @@ QList<qint64> PushGatewayStore::storeMessage(const QStringList &tokens, const QS
     ForumDatabase::Transaction transaction(m_database);
     for (const QString &token : tokens) {
         QSqlQuery query = m_database.prepare(
-            QStringLiteral("INSERT INTO push_messages(token, msgid, userinfo, created) VALUES(?, ?, ?, ?)"));
+            QStringLiteral("INSERT INTO push_messages(token, msgid, userinfo, created) VALUES(?, ?, ?, ?) RETURNING id"));
         query.addBindValue(text(token));
         query.addBindValue(text(msgId));
         query.addBindValue(QString::fromUtf8(userInfo));
         query.addBindValue(now);
-        ForumDatabase::exec(query);
-        ids << query.lastInsertId().toLongLong();
+        ids << m_database.execReturningKey(query).value_or(0);
     }
     transaction.commit();
     return ids;
@@ -210,7 +181,7 @@ QList<PushGatewayStore::StoredMessage> PushGatewayStore::messagesAfter(const QSt
         QStringLiteral("SELECT id, userinfo FROM push_messages WHERE token = ? AND id > ? ORDER BY id"));
     query.addBindValue(text(token));
     query.addBindValue(afterId);
-    ForumDatabase::exec(query);
+    m_database.exec(query);
     QList<StoredMessage> messages;
     while (query.next())
         messages.append({query.value(0).toLongLong(), query.value(1).toString().toUtf8()});
@@ -225,13 +196,13 @@ void PushGatewayStore::recordClick(const QString &token, const QString &msgId, d
     query.addBindValue(text(msgId));
     query.addBindValue(ts);
     query.addBindValue(now);
-    ForumDatabase::exec(query);
+    m_database.exec(query);
 }
 
 QList<PushGatewayStore::Click> PushGatewayStore::clicks()
 {
     QSqlQuery query = m_database.prepare(QStringLiteral("SELECT token, msgid, ts FROM push_clicks ORDER BY id"));
-    ForumDatabase::exec(query);
+    m_database.exec(query);
     QList<Click> clicks;
     while (query.next())
         clicks.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toDouble()});

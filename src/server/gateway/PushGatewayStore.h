@@ -1,5 +1,5 @@
 #pragma once
-// The gateway's tables in the server's SQLite database: devices with their last report,
+// The gateway's tables in the server's database: devices with their last report,
 // tags, aliases, the messages addressed to each device (numbered for delivery), and click
 // reports. Lives on the database's thread (the main thread).
 
@@ -36,7 +36,7 @@ public:
         QString value;
     };
 
-    // Makes the tables when missing; throws StoreError when it cannot.
+    // The tables come with the database's schema; throws StoreError when the epoch cannot be read.
     explicit PushGatewayStore(ForumDatabase &database);
 
     // A text made once per database: message numbers are only comparable within one epoch.

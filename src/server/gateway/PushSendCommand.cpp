@@ -1,5 +1,6 @@
 #include "PushSendCommand.h"
 
+#include "ForumDatabase.h"
 #include "PushGatewaySecret.h"
 
 #include <QCommandLineParser>
@@ -28,6 +29,23 @@ void printTo(FILE *stream, const QString &text)
 QString newMessageId()
 {
     return QString::number(QRandomGenerator::system()->generate64(), 16).rightJustified(16, QLatin1Char('0'));
+}
+
+// The secret a server keeps in the database at `location`; empty, with `error` set, when
+// there is none (no server has started on it) or the database cannot be read.
+QByteArray secretOfDatabase(const QString &location, QString *error)
+{
+    const std::unique_ptr<ForumDatabase> database = ForumDatabase::open(location, error);
+    if (!database)
+        return {};
+    try {
+        if (const std::optional<QByteArray> secret = PushGatewaySecret::storedIn(*database))
+            return *secret;
+        *error = QStringLiteral("%1 holds no push secret yet (start the server on it first)").arg(location);
+    } catch (const StoreError &failure) {
+        *error = QString::fromStdString(failure.what());
+    }
+    return {};
 }
 
 } // namespace
@@ -70,8 +88,8 @@ int PushSendCommand::run(const QStringList &arguments)
     const QCommandLineOption user = option("user", "The poster's name.", "name");
     const QCommandLineOption content = option("content", "The topic's text.", "text");
     const QCommandLineOption alert = option("alert", "The alert text (default: the title).", "text");
-    const QCommandLineOption db = option("db", "The server's database; its secret is <db>.push-secret "
-                                               "(default quorvel-forum.sqlite).", "path");
+    const QCommandLineOption db = option("db", "The server's database, which holds the secret: a file or a "
+                                               "postgresql:// address (default quorvel-forum.sqlite).", "location");
     const QCommandLineOption secretFile = option("secret-file", "Read the secret from this file instead.", "path");
     parser.addOptions({gateway, device, tag, alias, all, topic, section, title, user, content, alert, db, secretFile});
     parser.addHelpOption();
@@ -109,10 +127,9 @@ int PushSendCommand::run(const QStringList &arguments)
         target.insert(QStringLiteral("all"), true);
 
     QString error;
-    const QString secretPath = parser.isSet(secretFile)
-        ? parser.value(secretFile)
-        : PushGatewaySecret::filePathFor(parser.isSet(db) ? parser.value(db) : kDefaultDatabase);
-    const QByteArray secret = PushGatewaySecret::read(secretPath, &error);
+    const QByteArray secret = parser.isSet(secretFile)
+        ? PushGatewaySecret::read(parser.value(secretFile), &error)
+        : secretOfDatabase(parser.isSet(db) ? parser.value(db) : kDefaultDatabase, &error);
     if (secret.isEmpty())
         printTo(stderr, QStringLiteral("push send: %1; asking without it\n").arg(error));
 
