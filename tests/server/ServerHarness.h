@@ -3,13 +3,13 @@
 // data, with a clock the test moves by hand: a SQLite file in a temporary folder, or a fresh
 // database of the throwaway PostgreSQL cluster. Requests are made as the client makes them
 // (pretty-printed JSON, enciphered, in the raw query). Suites run on both stores through
-// StoreKind parameters (see ForBothStores).
+// StoreKind parameters (see BothStores.h).
 
 #include "AnswerEnvelope.h"
 #include "DemoData.h"
 #include "DesCryptUtil.h"
 #include "ForumRouter.h"
-#include "LocalPostgres.h"
+#include "BothStores.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -19,19 +19,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-
-enum class StoreKind { SQLite, PostgreSQL };
-
-inline std::string storeName(const ::testing::TestParamInfo<StoreKind> &info)
-{
-    return info.param == StoreKind::SQLite ? "SQLite" : "PostgreSQL";
-}
-
-// A suite of TEST_P cases over both stores:
-//   class ServerPosting : public ::testing::TestWithParam<StoreKind> {};
-//   QUORVEL_FOR_BOTH_STORES(ServerPosting);
-#define QUORVEL_FOR_BOTH_STORES(suite)                                                                      \
-    INSTANTIATE_TEST_SUITE_P(, suite, ::testing::Values(StoreKind::SQLite, StoreKind::PostgreSQL), storeName)
 
 // A database of `kind` seeded with the demo forum: a file in `folder`, or a fresh database
 // of the shared test cluster. Empty, after a test failure, when it cannot be made.

@@ -37,7 +37,7 @@ void PushGatewayStore::reportDevice(const QString &token, bool isRegister, const
     QSqlQuery query = m_database.prepare(
         QStringLiteral("INSERT INTO push_devices(token, appkey, header, %1, reports) VALUES(?, ?, ?, ?, 1)"
                        " ON CONFLICT(token) DO UPDATE SET appkey = excluded.appkey, header = excluded.header,"
-                       " %1 = excluded.%1, reports = reports + 1")
+                       " %1 = excluded.%1, reports = push_devices.reports + 1")
             .arg(when));
     query.addBindValue(text(token));
     query.addBindValue(text(header.value(QStringLiteral("appkey")).toString()));

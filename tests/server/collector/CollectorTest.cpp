@@ -1,7 +1,8 @@
-// The collector in-process on a real SQLite file: envelopes made by the real client component
+// The collector in-process on a real database of either store: envelopes made by the real client component
 // (plain and encrypted) are opened, stored and reported; bad envelopes get resp_code 2 and
 // store nothing; the answer's imprint passes the client's own checksum rule.
 
+#include "BothStores.h"
 #include "AnalyticsCollector.h"
 #include "AnalyticsReport.h"
 #include "AnalyticsStore.h"
@@ -33,13 +34,13 @@ qint64 rows(AnalyticsStore &store, const QString &table)
 }
 } // namespace
 
-class CollectorTest : public ::testing::Test
+class CollectorTest : public ::testing::TestWithParam<StoreKind>
 {
 protected:
     void SetUp() override
     {
         QString error;
-        store = AnalyticsStore::open(folder.filePath(QStringLiteral("forum.sqlite")), &error);
+        store = AnalyticsStore::open(emptyForum(GetParam(), folder), &error);
         ASSERT_TRUE(store) << error.toStdString();
         options.imprint = {{QStringLiteral("report_policy"), QStringLiteral("6")},
                            {QStringLiteral("defcon"), QStringLiteral("7")},
@@ -86,7 +87,9 @@ protected:
     std::unique_ptr<LFAnalyticsContext> context;
 };
 
-TEST_F(CollectorTest, AnAcceptedEnvelopeIsStoredReportedAndAnsweredWithTheImprint)
+QUORVEL_FOR_BOTH_STORES(CollectorTest);
+
+TEST_P(CollectorTest, AnAcceptedEnvelopeIsStoredReportedAndAnsweredWithTheImprint)
 {
     const AnalyticsCollector::Reply reply = post(clientEnvelope());
     EXPECT_EQ(reply.status, 200);
@@ -112,7 +115,7 @@ TEST_F(CollectorTest, AnAcceptedEnvelopeIsStoredReportedAndAnsweredWithTheImprin
     EXPECT_EQ(rows(*store, QStringLiteral("analytics_devices")), 1);
 }
 
-TEST_F(CollectorTest, AnEncryptedEnvelopeIsDecryptedWithTheKeyItsSignatureGives)
+TEST_P(CollectorTest, AnEncryptedEnvelopeIsDecryptedWithTheKeyItsSignatureGives)
 {
     context->app().setEncryptEnabled(true);
     const QByteArray bytes = clientEnvelope();
@@ -121,7 +124,7 @@ TEST_F(CollectorTest, AnEncryptedEnvelopeIsDecryptedWithTheKeyItsSignatureGives)
     EXPECT_EQ(rows(*store, QStringLiteral("analytics_events")), 3);
 }
 
-TEST_F(CollectorTest, BadEnvelopesGetRespCodeTwoAndStoreNothing)
+TEST_P(CollectorTest, BadEnvelopesGetRespCodeTwoAndStoreNothing)
 {
     const QByteArray good = clientEnvelope();
     const LFEnvelope envelope = LFTDecode<LFEnvelope>(good);
@@ -163,7 +166,7 @@ TEST_F(CollectorTest, BadEnvelopesGetRespCodeTwoAndStoreNothing)
         EXPECT_EQ(rows(*store, QString::fromLatin1(table)), 0) << table;
 }
 
-TEST_F(CollectorTest, OnlyPostsToTheLogPathAreTaken)
+TEST_P(CollectorTest, OnlyPostsToTheLogPathAreTaken)
 {
     EXPECT_EQ(collector->handle("GET", "/app_logs", QByteArray()).status, 405);
     EXPECT_EQ(collector->handle("POST", "/api/app_logs", QByteArray()).status, 404);

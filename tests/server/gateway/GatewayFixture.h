@@ -1,7 +1,8 @@
 #pragma once
-// A gateway router over a fresh SQLite file in a temporary folder, with a known secret and a
-// recorder of what it hands to delivery streams. Main thread.
+// A gateway router over a fresh database of either store (BothStores.h), with a known secret
+// and a recorder of what it hands to delivery streams. Main thread.
 
+#include "BothStores.h"
 #include "ForumDatabase.h"
 #include "PushGatewayRouter.h"
 #include "PushGatewayStore.h"
@@ -12,7 +13,7 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 
-class GatewayFixture : public ::testing::Test
+class GatewayFixture : public ::testing::TestWithParam<StoreKind>
 {
 protected:
     static constexpr qint64 kNow = 1'772'452'800;
@@ -30,7 +31,8 @@ protected:
     void SetUp() override
     {
         QString error;
-        database = ForumDatabase::open(folder.filePath(QStringLiteral("push.sqlite")), &error);
+        location = emptyForum(GetParam(), folder);
+        database = ForumDatabase::open(location, &error);
         ASSERT_TRUE(database) << error.toStdString();
         // The forum's schema holds the meta table the gateway keeps its epoch in.
         store = std::make_unique<PushGatewayStore>(*database);
@@ -54,6 +56,7 @@ protected:
     }
 
     QTemporaryDir folder;
+    QString location;
     std::unique_ptr<ForumDatabase> database;
     std::unique_ptr<PushGatewayStore> store;
     std::unique_ptr<PushGatewayRouter> router;

@@ -8,8 +8,9 @@ namespace {
 class GatewayCalls : public GatewayFixture
 {
 };
+QUORVEL_FOR_BOTH_STORES(GatewayCalls);
 
-TEST_F(GatewayCalls, ReportsAnswerSuccessWithTheLaunchAndTagPolicies)
+TEST_P(GatewayCalls, ReportsAnswerSuccessWithTheLaunchAndTagPolicies)
 {
     const GatewayReply registered = post(QStringLiteral("/register"), device(kToken));
     EXPECT_EQ(registered.status, 200);
@@ -20,7 +21,7 @@ TEST_F(GatewayCalls, ReportsAnswerSuccessWithTheLaunchAndTagPolicies)
     EXPECT_EQ(store->recipients({PushGatewayStore::Target::All, {}}), QStringList(kToken));
 }
 
-TEST_F(GatewayCalls, TagsAndAliasesAreKeptPerDevice)
+TEST_P(GatewayCalls, TagsAndAliasesAreKeptPerDevice)
 {
     post(QStringLiteral("/register"), device(kToken));
     post(QStringLiteral("/register"), device(kOtherToken));
@@ -44,7 +45,7 @@ TEST_F(GatewayCalls, TagsAndAliasesAreKeptPerDevice)
     EXPECT_EQ(store->recipients({PushGatewayStore::Target::Alias, QStringLiteral("小明")}), QStringList(kToken));
 }
 
-TEST_F(GatewayCalls, ClickReportsAreRecordedWithTheirDevice)
+TEST_P(GatewayCalls, ClickReportsAreRecordedWithTheirDevice)
 {
     EXPECT_EQ(post(QStringLiteral("/push_logs"),
                    device(kToken, {{QStringLiteral("msg_id"), QStringLiteral("m1")}, {QStringLiteral("ts"), 1234.5}})).status,
@@ -55,7 +56,7 @@ TEST_F(GatewayCalls, ClickReportsAreRecordedWithTheirDevice)
     EXPECT_EQ(store->clicks().first().ts, 1234.5);
 }
 
-TEST_F(GatewayCalls, MalformedBodiesAreRefusedWithErrorsAndChangeNothing)
+TEST_P(GatewayCalls, MalformedBodiesAreRefusedWithErrorsAndChangeNothing)
 {
     const QString zero(64, QLatin1Char('0'));
     const QJsonArray tooMany = [] {
@@ -97,13 +98,13 @@ TEST_F(GatewayCalls, MalformedBodiesAreRefusedWithErrorsAndChangeNothing)
     EXPECT_TRUE(store->clicks().isEmpty());
 }
 
-TEST_F(GatewayCalls, UnknownCallsAndOtherMethodsAreRefused)
+TEST_P(GatewayCalls, UnknownCallsAndOtherMethodsAreRefused)
 {
     EXPECT_EQ(router->handle("POST", QStringLiteral("/nothing"), {}, "{}").status, 404);
     EXPECT_EQ(router->handle("GET", QStringLiteral("/register"), {}, {}).status, 405);
 }
 
-TEST_F(GatewayCalls, DevicesAndMessagesOutliveTheConnection)
+TEST_P(GatewayCalls, DevicesAndMessagesOutliveTheConnection)
 {
     post(QStringLiteral("/register"), device(kToken));
     const QList<qint64> ids = store->storeMessage({kToken}, QStringLiteral("m"), "{\"d\":\"m\"}", kNow);
@@ -112,7 +113,7 @@ TEST_F(GatewayCalls, DevicesAndMessagesOutliveTheConnection)
     router.reset();
     database.reset();
     QString error;
-    database = ForumDatabase::open(folder.filePath(QStringLiteral("push.sqlite")), &error);
+    database = ForumDatabase::open(location, &error);
     PushGatewayStore reopened(*database);
     EXPECT_EQ(reopened.epoch(), epoch);
     EXPECT_EQ(reopened.recipients({PushGatewayStore::Target::All, {}}), QStringList(kToken));

@@ -23,8 +23,9 @@ protected:
         return post(QStringLiteral("/send"), sendBody(target), "Bearer " + secret);
     }
 };
+QUORVEL_FOR_BOTH_STORES(GatewaySend);
 
-TEST_F(GatewaySend, WithoutTheSecretNothingIsStoredOrDelivered)
+TEST_P(GatewaySend, WithoutTheSecretNothingIsStoredOrDelivered)
 {
     post(QStringLiteral("/register"), device(kToken));
     const QJsonObject all{{QStringLiteral("all"), true}};
@@ -36,7 +37,7 @@ TEST_F(GatewaySend, WithoutTheSecretNothingIsStoredOrDelivered)
     EXPECT_TRUE(store->messagesAfter(kToken, 0).isEmpty());
 }
 
-TEST_F(GatewaySend, EachMatchingDeviceGetsItsOwnNumberedMessage)
+TEST_P(GatewaySend, EachMatchingDeviceGetsItsOwnNumberedMessage)
 {
     post(QStringLiteral("/register"), device(kToken));
     post(QStringLiteral("/register"), device(kOtherToken));
@@ -59,7 +60,7 @@ TEST_F(GatewaySend, EachMatchingDeviceGetsItsOwnNumberedMessage)
     EXPECT_EQ(store->messagesAfter(kOtherToken, 0).size(), 2);
 }
 
-TEST_F(GatewaySend, BadSendBodiesAreRefused)
+TEST_P(GatewaySend, BadSendBodiesAreRefused)
 {
     post(QStringLiteral("/register"), device(kToken));
     QJsonObject noId = sendBody({{QStringLiteral("all"), true}});
@@ -78,7 +79,7 @@ TEST_F(GatewaySend, BadSendBodiesAreRefused)
     EXPECT_TRUE(delivered.isEmpty());
 }
 
-TEST_F(GatewaySend, TheNotificationNamesItsTopicInKey1AsJsonText)
+TEST_P(GatewaySend, TheNotificationNamesItsTopicInKey1AsJsonText)
 {
     const QJsonObject userInfo =
         PushSendCommand::userInfo(QStringLiteral("00ff"), {1001, 1, QStringLiteral("新手必读"), QStringLiteral("阿明"),
@@ -88,24 +89,30 @@ TEST_F(GatewaySend, TheNotificationNamesItsTopicInKey1AsJsonText)
                          R"(\"sectionid\":1,\"title\":\"新手必读\",\"topicid\":1001,\"username\":\"阿明\"}}"})"));
 }
 
-TEST_F(GatewaySend, TheSecretIsNewAtEveryStartAndReadableOnlyByItsOwner)
+TEST_P(GatewaySend, TheSecretIsMadeOncePerDatabaseAndSharedByEveryConnection)
 {
-    const QString path = PushGatewaySecret::filePathFor(folder.filePath(QStringLiteral("forum.sqlite")));
-    EXPECT_EQ(path, folder.filePath(QStringLiteral("forum.sqlite.push-secret")));
+    EXPECT_EQ(PushGatewaySecret::storedIn(*database), std::nullopt);
+    const QByteArray secret = PushGatewaySecret::ofDatabase(*database);
+    EXPECT_EQ(secret.size(), 2 * PushGatewaySecret::kBytes);
+    EXPECT_EQ(QByteArray::fromHex(secret).toHex(), secret);
     QString error;
-    const QByteArray first = PushGatewaySecret::create(path, &error);
-    EXPECT_EQ(first.size(), 2 * PushGatewaySecret::kBytes);
-    EXPECT_EQ(QFile(path).permissions() & ~(QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ReadOwner | QFileDevice::WriteOwner),
-              QFileDevice::Permissions());
-    EXPECT_EQ(PushGatewaySecret::read(path, &error), first);
-    const QByteArray second = PushGatewaySecret::create(path, &error);
-    EXPECT_NE(second, first);
-    EXPECT_TRUE(PushGatewaySecret::matches(second, PushGatewaySecret::read(path, &error)));
+    // A second server process on the same database takes the same secret.
+    const std::unique_ptr<ForumDatabase> second = ForumDatabase::open(location, &error);
+    ASSERT_TRUE(second) << error.toStdString();
+    EXPECT_EQ(PushGatewaySecret::ofDatabase(*second), secret);
+    EXPECT_EQ(PushGatewaySecret::storedIn(*second), secret);
+    EXPECT_TRUE(PushGatewaySecret::matches(secret, PushGatewaySecret::ofDatabase(*database)));
+
+    QFile file(folder.filePath(QStringLiteral("operator-secret")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(secret + "\n");
+    file.close();
+    EXPECT_EQ(PushGatewaySecret::read(file.fileName(), &error), secret);
     EXPECT_TRUE(PushGatewaySecret::read(folder.filePath(QStringLiteral("none")), &error).isEmpty());
     EXPECT_FALSE(error.isEmpty());
 }
 
-TEST_F(GatewaySend, AStreamResumesAfterItsLastIdOnlyWithinTheSameDatabase)
+TEST_P(GatewaySend, AStreamResumesAfterItsLastIdOnlyWithinTheSameDatabase)
 {
     PushDeliveryHub hub(*store);
     const QByteArray epoch = store->epoch().toLatin1();
