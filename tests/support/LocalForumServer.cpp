@@ -50,6 +50,10 @@ QString LocalForumServer::apiRoot() const
 
 QString LocalForumServer::databasePath() const
 {
+    // A --db among the extra arguments comes later on the command line, so it wins.
+    const qsizetype given = m_extraArguments.lastIndexOf(QStringLiteral("--db"));
+    if (given >= 0 && given + 1 < m_extraArguments.size())
+        return m_extraArguments.at(given + 1);
     return m_folder.filePath(QStringLiteral("forum.sqlite"));
 }
 
@@ -111,6 +115,16 @@ void LocalForumServer::stop()
             m_process->waitForFinished(kStopTimeoutMs);
         }
     }
+    m_process.reset();
+    m_port = 0;
+}
+
+void LocalForumServer::kill()
+{
+    if (!m_process)
+        return;
+    m_process->kill();
+    m_process->waitForFinished(kStopTimeoutMs);
     m_process.reset();
     m_port = 0;
 }

@@ -83,6 +83,7 @@ public:
     // The analytics collector's root ("http://127.0.0.1:PORT"); empty when it did not start.
     QString analyticsRoot() const { return m_analyticsRoot; }
     QString apiRoot() const;  // "http://127.0.0.1:PORT/api/"
+    // The SQLite file in the temporary folder, or the --db given among the extra arguments.
     QString databasePath() const;
 
     // Stops the server and starts it again on the same database and, when it is still free,
@@ -90,6 +91,8 @@ public:
     bool restart();
     // Stops the server (SIGTERM, then kill if it lingers).
     void stop();
+    // Kills the server at once (SIGKILL), as a crash would.
+    void kill();
 
     // Everything the server has logged on stderr so far (one line per request).
     QByteArray log() const;
