@@ -69,12 +69,12 @@ ForumRouter::ForumRouter(ForumStore &store, const ServerOptions &options, PostEn
         {QStringLiteral("RepliesleTopic"), writing("POST", &PostEndpoints::replyTopic, m_post)},
     };
     // This process's writes and, on a shared database, every other process's.
-    m_store.database().setChangeListener([this](const QStringList &tags) { m_cache.drop(tags); });
+    m_changeListener = m_store.database().addChangeListener([this](const QStringList &tags) { m_cache.drop(tags); });
 }
 
 ForumRouter::~ForumRouter()
 {
-    m_store.database().setChangeListener({});
+    m_store.database().removeChangeListener(m_changeListener);
 }
 
 QString ForumRouter::originOf(const ServerRequest &request) const

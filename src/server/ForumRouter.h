@@ -80,6 +80,7 @@ private:
 
     ForumStore &m_store;
     AnswerCache m_cache;
+    int m_changeListener = 0;
     BrowseEndpoints m_browse;
     PostEndpoints m_post;
     ImageFactory m_images;

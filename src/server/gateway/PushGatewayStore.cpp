@@ -171,6 +171,8 @@ QList<qint64> PushGatewayStore::storeMessage(const QStringList &tokens, const QS
         query.addBindValue(now);
         ids << m_database.execReturningKey(query).value_or(0);
     }
+    // Streams held by other server processes on the database learn of it from the notice.
+    transaction.announce({QLatin1String(kMessagesChanged)});
     transaction.commit();
     return ids;
 }

@@ -36,6 +36,9 @@ public:
         QString value;
     };
 
+    // The change tag storeMessage() announces (ForumDatabase change listeners).
+    static constexpr const char *kMessagesChanged = "push";
+
     // The tables come with the database's schema; throws StoreError when the epoch cannot be read.
     explicit PushGatewayStore(ForumDatabase &database);
 

@@ -230,10 +230,25 @@ QString ForumDatabase::metaOrStore(const QString &key, const QString &proposed)
     return meta(key).value_or(proposed);
 }
 
+int ForumDatabase::addChangeListener(ChangeListener listener)
+{
+    m_changeListeners.insert(m_nextListenerId, std::move(listener));
+    return m_nextListenerId++;
+}
+
+void ForumDatabase::removeChangeListener(int id)
+{
+    m_changeListeners.remove(id);
+}
+
 void ForumDatabase::changed(const QStringList &tags)
 {
-    if (m_changeListener && !tags.isEmpty())
-        m_changeListener(tags);
+    if (tags.isEmpty())
+        return;
+    // A copy: a listener may add or remove listeners.
+    const QMap<int, ChangeListener> listeners = m_changeListeners;
+    for (const ChangeListener &listener : listeners)
+        listener(tags);
 }
 
 ForumDatabase::Transaction::Transaction(ForumDatabase &database)

@@ -10,6 +10,7 @@
 #include "SqlDialect.h"
 
 #include <QDeadlineTimer>
+#include <QMap>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
@@ -78,7 +79,9 @@ public:
     // Called with the tags of what changed: after this connection's commits, and on
     // PostgreSQL for other processes' commits as their notices arrive.
     using ChangeListener = std::function<void(const QStringList &tags)>;
-    void setChangeListener(ChangeListener listener) { m_changeListener = std::move(listener); }
+    // Returns a number for removeChangeListener().
+    int addChangeListener(ChangeListener listener);
+    void removeChangeListener(int id);
 
     // Everything between construction and commit() happens as one write, or not at all.
     class Transaction
@@ -117,7 +120,8 @@ private:
     SqlDialect m_dialect;
     QString m_connectionName;
     QSqlDatabase m_db;
-    ChangeListener m_changeListener;
+    QMap<int, ChangeListener> m_changeListeners;
+    int m_nextListenerId = 1;
     bool m_lost = false;
     int m_retryMs = kFirstRetryMs;
     QDeadlineTimer m_nextAttempt;
