@@ -38,6 +38,16 @@ TEST(ServerProcess, HelpListsEveryOptionAndBadOptionsFail)
 
     EXPECT_EQ((runServer({"--port", "http"}, &exitCode), exitCode), 2);
     EXPECT_EQ((runServer({"--no-such-option"}, &exitCode), exitCode), 2);
+    for (const char *address : {"postgresql://quorvel@127.0.0.1:5432/", "postgresql://127.0.0.1/forum",
+                                "postgres://quorvel@/forum", "postgresql://quorvel@127.0.0.1/a/b"}) {
+        EXPECT_TRUE(runServer({"--db", address}, &exitCode).contains("is not of the form postgresql://user@host:port/dbname"))
+            << address;
+        EXPECT_EQ(exitCode, 2) << address;
+    }
+    // A database that cannot be reached stops the start.
+    EXPECT_TRUE(runServer({"--port", "0", "--db", "postgresql://quorvel@127.0.0.1:1/forum"}, &exitCode)
+                    .contains("cannot open postgresql://quorvel@127.0.0.1:1/forum"));
+    EXPECT_EQ(exitCode, 1);
 }
 
 TEST(ServerProcess, ServesPicturesAndLogsOneLinePerRequest)
