@@ -240,13 +240,12 @@ TEST_F(HostileClients, HugeBodiesAreRefusedWith413BeforeTheyAreRead)
     // The head alone: the answer comes without a byte of the body.
     RawHttpConnection declared(port);
     ASSERT_TRUE(declared.write(hugeUploadHead(port, false), kAnswerTimeoutMs));
-    const std::optional<RawAnswer> early = declared.readAnswer(kAnswerTimeoutMs);
-    ASSERT_TRUE(early) << "no answer to a head declaring 300 MB";
-    EXPECT_EQ(early->status, 413);
-    EXPECT_EQ(early->contentType, "application/json");
-    const QJsonObject error = QJsonDocument::fromJson(early->body).object();
+    const RawAnswer early = declared.readAnswer(kAnswerTimeoutMs).value_or(RawAnswer());
+    EXPECT_EQ(early.status, 413) << "(0: no answer to the head)";
+    EXPECT_EQ(early.contentType, "application/json");
+    const QJsonObject error = QJsonDocument::fromJson(early.body).object();
     EXPECT_EQ(error.value(QStringLiteral("error")).toString(), QStringLiteral("payload_too_large"));
-    EXPECT_TRUE(error.value(QStringLiteral("message")).isString()) << early->body.constData();
+    EXPECT_TRUE(error.value(QStringLiteral("message")).isString()) << early.body.constData();
     EXPECT_TRUE(declared.waitForClose(kAnswerTimeoutMs));
 
     // Ten declared and one chunked at once, each writing until the server closes.
