@@ -90,8 +90,6 @@ public:
     RawHttpConnection &operator=(const RawHttpConnection &) = delete;
 
     bool isConnected() const { return m_fd >= 0; }
-    // Whether the server has closed (end of stream or reset), as far as seen so far.
-    bool peerClosed() const { return m_peerClosed; }
     // Everything received and not yet taken by readAnswer().
     const QByteArray &received() const { return m_received; }
 
@@ -117,7 +115,7 @@ public:
     {
         QDeadlineTimer deadline(timeoutMs);
         qint64 written = 0;
-        while (written < limit && !m_peerClosed && !deadline.hasExpired()) {
+        while (written < limit && !m_writeFailed && !m_peerClosed && !deadline.hasExpired()) {
             const qsizetype offset = qsizetype(written % piece.size());
             const qsizetype sent = sendSome(piece.constData() + offset,
                                             qsizetype(std::min<qint64>(piece.size() - offset, limit - written)));
@@ -163,14 +161,17 @@ public:
 
 private:
     // Bytes sent now (0 when the socket buffer is full), or -1 when the server has closed.
+    // What it sent before closing is still read afterwards.
     qsizetype sendSome(const char *data, qsizetype size)
     {
+        if (m_writeFailed)
+            return -1;
         const ssize_t sent = ::send(m_fd, data, size_t(size), MSG_NOSIGNAL);
         if (sent >= 0)
             return sent;
         if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)
             return 0;
-        m_peerClosed = true;
+        m_writeFailed = true;
         return -1;
     }
 
@@ -195,6 +196,7 @@ private:
     }
 
     int m_fd = -1;
-    bool m_peerClosed = false;
+    bool m_writeFailed = false;
+    bool m_peerClosed = false;  // seen on the reading side: end of stream or reset
     QByteArray m_received;
 };
