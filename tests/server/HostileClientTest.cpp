@@ -5,6 +5,7 @@
 // requests on one connection.
 #include "AnswerEnvelope.h"
 #include "EventLoop.h"
+#include "HttpLimits.h"
 #include "LocalForumServer.h"
 #include "RawHttpConnection.h"
 
@@ -40,6 +41,9 @@ constexpr qsizetype kHugeHeadBytes = 1024 * 1024;
 constexpr qsizetype kSmallHeaderValueBytes = 24;
 constexpr int kSmallMaxBodyBytes = 2048;  // --max-body for the boundary test
 constexpr int kIdleConnections = 1000;
+// Each stalled client's head stops this short of the default --max-header, without its end.
+constexpr qsizetype kStalledHeadMargin = 512;
+constexpr int kStalledSettleMs = 1000;  // for the server to read what the stalled clients sent
 constexpr int kSpareDescriptors = 100;  // for the server's own files beside the idle connections
 constexpr int kMaxConnections = 10;
 constexpr int kSlowSenders = 10;  // of each kind: in the request line, in the body
@@ -362,6 +366,26 @@ TEST_F(HostileClients, AThousandIdleConnectionsAreHeldWhileOthersAreServed)
     EXPECT_TRUE(isBoardList(askForBoards(port)));
     expectMemoryUnderCeiling();
     EXPECT_EQ(countClosed(idle), 0);
+}
+
+// A thousand clients that each send a head just under the header limit and then stall hold
+// what they sent in the server's buffers until the read timeout; that stays under the
+// ceiling, and others are served meanwhile.
+TEST_F(HostileClients, AThousandStalledHeadsUnderTheLimitStayUnderTheCeiling)
+{
+    ASSERT_GE(openFileLimit, rlim_t(kIdleConnections + kSpareDescriptors));
+    ASSERT_NO_FATAL_FAILURE(start());
+    const QByteArray head = kBoardsLine + "\r\nHost: 127.0.0.1\r\nX-Filler: "
+        + QByteArray(HttpLimits::kDefaultMaxHeaderBytes - kStalledHeadMargin, 'a');
+    const Connections stalled = openIdle(port, kIdleConnections);
+    ASSERT_EQ(countConnected(stalled), kIdleConnections);
+    for (const auto &connection : stalled)
+        ASSERT_TRUE(connection->write(head, kAnswerTimeoutMs));
+    testsupport::spinFor(kStalledSettleMs);
+
+    EXPECT_TRUE(isBoardList(askForBoards(port)));
+    expectMemoryUnderCeiling();
+    EXPECT_EQ(countClosed(stalled), 0);
 }
 
 // With --idle-timeout 2 the server closes idle connections itself, a connection kept alive
