@@ -16,8 +16,11 @@
 class AnswerCache
 {
 public:
-    static constexpr qsizetype kMaxBytes = 64 * 1024 * 1024;
-    static constexpr qsizetype kMaxAnswers = 50'000;
+    // Counted with each answer's bookkeeping, so the budget is near what the process holds:
+    // answers that carry the request's Host can be made to differ without end.
+    static constexpr qsizetype kMaxBytes = 24 * 1024 * 1024;
+    static constexpr qsizetype kMaxAnswers = 20'000;
+    static constexpr qsizetype kEntryOverheadBytes = 256;
     // Drops everything (changes were missed).
     static constexpr const char *kEverything = "*";
 
@@ -28,6 +31,7 @@ public:
 
 private:
     void clear();
+    static qsizetype answerCost(const QByteArray &key, const QByteArray &body);
 
     mutable std::shared_mutex m_mutex;
     QHash<QByteArray, QByteArray> m_answers;

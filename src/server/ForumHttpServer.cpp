@@ -1,13 +1,16 @@
 #include "ForumHttpServer.h"
 
 #include "QueuedHandler.h"
+#include "RequestLogLine.h"
 #include "ServerLog.h"
 
 namespace {
 
 ServerRequest forumRequest(const HttpRequest &request)
 {
-    return {request.method, request.path, request.query, request.body, request.header("Host")};
+    // HEAD is answered as GET; the HTTP layer leaves the body out.
+    const QByteArray method = request.method == "HEAD" ? QByteArrayLiteral("GET") : request.method;
+    return {method, request.path, request.query, request.body, request.header("Host")};
 }
 
 void respond(const HttpResponder &responder, const ServerReply &reply)
@@ -18,15 +21,10 @@ void respond(const HttpResponder &responder, const ServerReply &reply)
     responder.respond(std::move(response));
 }
 
+// Logged before the answer goes, so the line is there by the time the client has it.
 void logRequest(const HttpRequest &request, const ServerReply &reply)
 {
-    QString line = QStringLiteral("%1 %2 %3 %4 ms")
-                       .arg(QString::fromLatin1(request.method), QString::fromUtf8(request.path))
-                       .arg(reply.status)
-                       .arg(double(request.ageNs()) / 1e6, 0, 'f', 1);
-    if (!reply.note.isEmpty())
-        line += QStringLiteral(" (%1)").arg(reply.note);
-    serverLog(line);
+    serverLog(RequestLogLine::of(request, reply.status, reply.note, double(request.ageNs()) / 1e6));
 }
 
 } // namespace
@@ -50,8 +48,8 @@ quint16 ForumHttpServer::listen(const QString &address, quint16 port, QString *e
 void ForumHttpServer::take(HttpRequest request, HttpResponder responder)
 {
     if (const std::optional<ServerReply> cached = m_router.cachedReply(forumRequest(request))) {
-        respond(responder, *cached);
         logRequest(request, *cached);
+        respond(responder, *cached);
         return;
     }
     m_onMainThread(std::move(request), std::move(responder));
@@ -62,6 +60,6 @@ void ForumHttpServer::answer(const HttpRequest &request, const HttpResponder &re
     if (m_taker && m_taker(request, responder))
         return;
     const ServerReply reply = m_router.handle(forumRequest(request));
-    respond(responder, reply);
     logRequest(request, reply);
+    respond(responder, reply);
 }

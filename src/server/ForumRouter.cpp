@@ -118,13 +118,13 @@ std::optional<ServerReply> ForumRouter::cachedReply(const ServerRequest &request
     // asked the right way, and a Host of its own (the fallback origin is the store thread's).
     if (request.method != "GET" || sizeFailure(request))
         return std::nullopt;
-    const QByteArray rawKey = RequestKeyMemo::rawKey(request.path, request.rawQuery, request.host);
-    std::optional<QByteArray> key = m_keyMemo.find(rawKey);
+    const QByteArray digest = RequestKeyMemo::digest(request.path, request.rawQuery, request.host);
+    std::optional<QByteArray> key = m_keyMemo.find(digest);
     if (!key) {
         key = readingKey(request);
         if (!key)
             return std::nullopt;
-        m_keyMemo.remember(rawKey, *key);
+        m_keyMemo.remember(digest, *key);
     }
     const std::optional<QByteArray> body = m_cache.find(*key);
     if (!body)

@@ -2,6 +2,7 @@
 // Remembers which answer-cache key a reading request's raw bytes (path, query and Host) came
 // to, so a repeated request finds its cached answer without deciphering its payload again.
 // The key of a raw request never changes, so entries outlive the answers they point to.
+// Requests are remembered by a digest, so padded ones cost no more than short ones.
 // Bounded: past its budget it starts over empty. Any thread.
 
 #include <QByteArray>
@@ -13,16 +14,15 @@
 class RequestKeyMemo
 {
 public:
-    static constexpr qsizetype kMaxEntries = 100'000;
-    static constexpr qsizetype kMaxBytes = 32 * 1024 * 1024;
+    static constexpr qsizetype kMaxEntries = 50'000;
 
-    static QByteArray rawKey(const QByteArray &path, const QByteArray &rawQuery, const QByteArray &host);
+    // The digest a request is remembered by.
+    static QByteArray digest(const QByteArray &path, const QByteArray &rawQuery, const QByteArray &host);
 
-    std::optional<QByteArray> find(const QByteArray &rawKey) const;
-    void remember(const QByteArray &rawKey, const QByteArray &cacheKey);
+    std::optional<QByteArray> find(const QByteArray &digest) const;
+    void remember(const QByteArray &digest, const QByteArray &cacheKey);
 
 private:
     mutable std::shared_mutex m_mutex;
     QHash<QByteArray, QByteArray> m_keys;
-    qsizetype m_bytes = 0;
 };

@@ -518,3 +518,25 @@ TEST_F(HostileClients, KeepAliveAnswersSeveralRequestsOnOneConnection)
 }
 
 } // namespace
+
+// What a client puts in its request stays inside one log record: a path with escaped line
+// breaks and format markers, and a gateway path that decodes to a line break, each add
+// exactly one line, and nothing the client wrote starts a line of its own.
+TEST_F(HostileClients, NoRequestBreaksOrForgesALogLine)
+{
+    ASSERT_NO_FATAL_FAILURE(start());
+    const QByteArray forged = "quorvel-server: GET /api/Forged 200 0.1 ms";
+    const QByteArray lines[] = {
+        "GET /x%0A" + QByteArray(forged).replace(' ', "%20") + "%1%2 HTTP/1.1",
+        "POST /push/x%0D%0A" + QByteArray(forged).replace(' ', "%20") + " HTTP/1.1",
+    };
+    for (const QByteArray &line : lines) {
+        RawHttpConnection connection(port);
+        ASSERT_TRUE(connection.write(request(port, line, "Content-Length: 0\r\n"), kAnswerTimeoutMs));
+        ASSERT_TRUE(connection.readAnswer(kAnswerTimeoutMs));
+    }
+    const QList<QByteArray> log = server->log().split('\n');
+    EXPECT_FALSE(log.contains(forged)) << server->log().constData();
+    const qsizetype mentions = std::count_if(log.begin(), log.end(), [](const QByteArray &l) { return l.contains("Forged"); });
+    EXPECT_EQ(mentions, 2) << server->log().constData();
+}

@@ -2,6 +2,7 @@
 
 #include "CollectorLog.h"
 #include "QueuedHandler.h"
+#include "RequestLogLine.h"
 
 namespace {
 HttpLimits withUploadLimit(HttpLimits limits)
@@ -33,9 +34,7 @@ quint16 CollectorHttpServer::listen(const QString &address, quint16 port, QStrin
 void CollectorHttpServer::answer(const HttpRequest &request, const HttpResponder &responder)
 {
     const AnalyticsCollector::Reply reply = m_collector.handle(request.method, request.path, request.body);
+    // Logged first, so the line is there by the time the client has its answer.
+    collectorLog(RequestLogLine::of(request, reply.status, reply.note));
     responder.respond({reply.status, reply.contentType, reply.body, {}});
-    QString line = QStringLiteral("%1 %2 %3").arg(QString::fromLatin1(request.method), QString::fromUtf8(request.path)).arg(reply.status);
-    if (!reply.note.isEmpty())
-        line += QStringLiteral(" (%1)").arg(reply.note);
-    collectorLog(line);
 }

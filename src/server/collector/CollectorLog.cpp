@@ -1,10 +1,8 @@
 #include "CollectorLog.h"
 
-#include <cstdio>
+#include "ServerLog.h"
 
 void collectorLog(const QString &line)
 {
-    const QByteArray bytes = line.toUtf8();
-    std::fprintf(stderr, "quorvel-server: analytics: %s\n", bytes.constData());
-    std::fflush(stderr);
+    writeServerLogLine("quorvel-server: analytics: ", line);
 }

@@ -3,7 +3,6 @@
 #include "PushGatewayStore.h"
 
 namespace {
-const QByteArray kEventStream = QByteArrayLiteral("text/event-stream");
 const QByteArray kHeartbeat = QByteArrayLiteral(":\n\n");
 } // namespace
 
@@ -41,7 +40,8 @@ QByteArray PushDeliveryHub::missedEvents(const QString &token, qint64 afterId) c
 
 void PushDeliveryHub::openStream(const QString &token, qint64 afterId, const HttpResponder &responder)
 {
-    responder.openStream(kEventStream, missedEvents(token, afterId));
+    dropClosed();
+    responder.openStream(kContentType, missedEvents(token, afterId));
     m_streams.append({token, responder});
 }
 

@@ -19,6 +19,7 @@ class PushDeliveryHub : public QObject
     Q_OBJECT
 public:
     static constexpr int kHeartbeatMs = 15'000;
+    static inline const QByteArray kContentType = QByteArrayLiteral("text/event-stream");
 
     explicit PushDeliveryHub(PushGatewayStore &store, QObject *parent = nullptr);
 

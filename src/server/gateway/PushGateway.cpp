@@ -4,6 +4,7 @@
 
 #include "HttpRequest.h"
 #include "HttpResponder.h"
+#include "RequestLogLine.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
@@ -11,20 +12,18 @@
 namespace {
 
 const QString kEventsPath = QStringLiteral("/events");
-const QByteArray kEventStream = QByteArrayLiteral("text/event-stream");
 
-void answer(const HttpResponder &responder, const GatewayReply &reply)
+void logLine(const HttpRequest &request, int status, const QString &note)
 {
-    responder.respond({reply.status, QByteArrayLiteral("application/json"),
-                       QJsonDocument(reply.body).toJson(QJsonDocument::Compact), {}});
+    serverLog(RequestLogLine::of(request, status, note));
 }
 
-void logLine(const QByteArray &method, const QString &path, int status, const QString &note)
+// Logged first, so the line is there by the time the client has its answer.
+void answer(const HttpRequest &request, const HttpResponder &responder, const GatewayReply &reply)
 {
-    QString line = QStringLiteral("%1 %2 %3").arg(QString::fromLatin1(method), path).arg(status);
-    if (!note.isEmpty())
-        line += QStringLiteral(" (%1)").arg(note);
-    serverLog(line);
+    logLine(request, reply.status, reply.note);
+    responder.respond({reply.status, QByteArrayLiteral("application/json"),
+                       QJsonDocument(reply.body).toJson(QJsonDocument::Compact), {}});
 }
 
 } // namespace
@@ -57,36 +56,37 @@ bool PushGateway::take(const HttpRequest &request, const HttpResponder &responde
         reply = {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}},
                  QString::fromStdString(error.what())};
     }
-    answer(responder, reply);
-    logLine(method, path, reply.status, reply.note);
+    answer(request, responder, reply);
     return true;
 }
 
 void PushGateway::events(const HttpRequest &request, const HttpResponder &responder)
 {
-    const QString path = QString::fromUtf8(request.path);
     const QString token = QString::fromLatin1(PushGatewayRouter::bearer(request.header("Authorization"))).toLower();
     if (request.method != "GET") {
-        answer(responder, {405, QJsonObject{{QStringLiteral("errors"), QStringLiteral("use GET")}}, {}});
-        logLine(request.method, path, 405, QString());
+        answer(request, responder, {405, QJsonObject{{QStringLiteral("errors"), QStringLiteral("use GET")}}, {}});
         return;
     }
     if (!PushGatewayRequest::isWellFormedToken(token) || PushGatewayRequest::isNoToken(token)) {
-        answer(responder, {401, QJsonObject{{QStringLiteral("errors"), QStringLiteral("a device token is needed")}}, {}});
-        logLine("GET", path, 401, QStringLiteral("no device token"));
+        answer(request, responder,
+               {401, QJsonObject{{QStringLiteral("errors"), QStringLiteral("a device token is needed")}},
+                QStringLiteral("no device token")});
         return;
     }
     try {
         const qint64 after = m_hub.resumeAfter(request.header("Last-Event-ID"));
         if (request.query == "once=1") {
-            responder.respond({200, kEventStream, m_hub.missedEvents(token, after), {}});
+            const QByteArray missed = m_hub.missedEvents(token, after);
+            logLine(request, 200, QStringLiteral("after %1").arg(after));
+            responder.respond({200, PushDeliveryHub::kContentType, missed, {}});
         } else {
             m_store.recordStreamDevice(token);
+            logLine(request, 200, QStringLiteral("after %1").arg(after));
             m_hub.openStream(token, after, responder);
         }
-        logLine("GET", path, 200, QStringLiteral("after %1").arg(after));
     } catch (const StoreError &error) {
-        answer(responder, {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}}, {}});
-        logLine("GET", path, 500, QString::fromStdString(error.what()));
+        answer(request, responder,
+               {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}},
+                QString::fromStdString(error.what())});
     }
 }

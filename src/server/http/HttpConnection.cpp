@@ -8,6 +8,8 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
 
+#include <utility>
+
 namespace beast = boost::beast;
 namespace http = beast::http;
 namespace net = boost::asio;
@@ -54,6 +56,7 @@ HttpConnection::HttpConnection(tcp::socket socket, std::shared_ptr<HttpServerSha
 
 HttpConnection::~HttpConnection()
 {
+    releaseBodyBytes();
     m_shared->connections.fetch_sub(1);
 }
 
@@ -95,7 +98,19 @@ void HttpConnection::onHeader(error_code error)
         refuse(error);
         return;
     }
-    if (!m_parser->is_done() && beast::iequals(m_parser->get()[http::field::expect], "100-continue")) {
+    if (const std::optional<HttpRequestReading::Refusal> refusal = HttpRequestReading::refusalForHeader(*m_parser)) {
+        refuse(*refusal);
+        return;
+    }
+    if (!claimBodyBytes()) {
+        refuse(HttpRequestReading::Refusal{
+            503, "server_busy",
+            QStringLiteral("bodies under way over %1 bytes in all").arg(m_shared->limits.maxBodyBytesInFlight)});
+        return;
+    }
+    // HTTP/1.0 clients know no interim answers.
+    if (!m_parser->is_done() && m_parser->get().version() >= 11
+        && beast::iequals(m_parser->get()[http::field::expect], "100-continue")) {
         net::async_write(m_stream, net::buffer(kContinue, sizeof kContinue - 1),
                          [self = shared_from_this()](error_code writeError, std::size_t) {
                              if (writeError)
@@ -106,6 +121,25 @@ void HttpConnection::onHeader(error_code error)
         return;
     }
     readBody();
+}
+
+bool HttpConnection::claimBodyBytes()
+{
+    if (m_parser->is_done())
+        return true;
+    // A chunked body may take up to the limit; a declared one is held at its length.
+    const qint64 claim = qint64(m_parser->content_length().value_or(std::uint64_t(m_shared->limits.maxBodyBytes)));
+    if (m_shared->bodyBytesInFlight.fetch_add(claim) + claim > m_shared->limits.maxBodyBytesInFlight) {
+        m_shared->bodyBytesInFlight.fetch_sub(claim);
+        return false;
+    }
+    m_claimedBodyBytes = claim;
+    return true;
+}
+
+void HttpConnection::releaseBodyBytes()
+{
+    m_shared->bodyBytesInFlight.fetch_sub(std::exchange(m_claimedBodyBytes, 0));
 }
 
 void HttpConnection::readBody()
@@ -128,32 +162,42 @@ void HttpConnection::onBody(error_code error)
 
 void HttpConnection::refuse(const error_code &error)
 {
-    const std::optional<HttpRequestReading::Refusal> refusal =
-        HttpRequestReading::refusalFor(error, m_shared->limits, *m_parser);
-    m_parser.reset();
-    if (!refusal) {
+    const auto unread = QByteArray::fromRawData(static_cast<const char *>(m_buffer.data().data()),
+                                                qsizetype(m_buffer.size()));
+    const std::optional<HttpRequestReading::Refusal> refusal = HttpRequestReading::refusalFor(
+        error, m_shared->limits, HttpRequestReading::requestLineEnded(*m_parser, unread, m_shared->limits));
+    if (refusal)
+        refuse(*refusal);
+    else
         close();
-        return;
-    }
-    QString what = refusal->what;
-    if (refusal->status != 0)
-        what += QStringLiteral(" (%1)").arg(refusal->status);
-    m_shared->refusals.refused(m_peerAddress, refusal->code, what);
-    if (refusal->status == 0) {
+}
+
+void HttpConnection::refuse(const HttpRequestReading::Refusal &refusal)
+{
+    m_parser.reset();
+    releaseBodyBytes();
+    QString what = refusal.what;
+    if (refusal.status != 0)
+        what += QStringLiteral(" (%1)").arg(refusal.status);
+    m_shared->refusals.refused(m_peerAddress, refusal.code, what);
+    if (refusal.status == 0) {
         close();
         return;
     }
     m_keepAlive = false;
+    m_headRequest = false;
     m_version = 11;
-    writeResponse({refusal->status, kJson, HttpRequestReading::refusalBody(*refusal), {}}, true);
+    writeResponse({refusal.status, kJson, HttpRequestReading::refusalBody(refusal), {}}, true);
 }
 
 void HttpConnection::dispatch()
 {
     m_keepAlive = m_parser->keep_alive();
     m_version = m_parser->get().version();
+    m_headRequest = m_parser->get().method() == http::verb::head;
     HttpRequest request = HttpRequestReading::takeRequest(*m_parser, m_peerAddress);
     m_parser.reset();
+    releaseBodyBytes();
     // The read deadline is over; the handler has its own.
     m_stream.expires_never();
     m_awaitingAnswer = true;
@@ -204,9 +248,11 @@ void HttpConnection::writeResponse(HttpResponse response, bool linger)
     m_response->set(http::field::content_type, viewOf(response.contentType));
     for (const auto &[name, value] : response.headers)
         m_response->set(viewOf(name), viewOf(value));
-    m_response->body() = {m_responseBody.constData(), std::size_t(m_responseBody.size())};
     m_response->keep_alive(m_keepAlive);
-    m_response->prepare_payload();
+    // An answer to HEAD says how long the body would be, and leaves it out.
+    m_response->content_length(std::uint64_t(m_responseBody.size()));
+    if (!m_headRequest)
+        m_response->body() = {m_responseBody.constData(), std::size_t(m_responseBody.size())};
     m_stream.expires_after(kWriteTimeout);
     http::async_write(m_stream, *m_response, [self = shared_from_this(), linger](error_code error, std::size_t) {
         self->onWritten(error, linger);
@@ -258,6 +304,7 @@ void HttpConnection::close()
 {
     if (!m_open.exchange(false))
         return;
+    releaseBodyBytes();
     m_answerTimer.cancel();
     m_stream.close();
 }

@@ -55,9 +55,13 @@ private:
     void awaitRequest();
     void readHeader();
     void onHeader(boost::system::error_code error);
+    // Claims room for the body about to be read; false when the server holds too much.
+    bool claimBodyBytes();
+    void releaseBodyBytes();
     void readBody();
     void onBody(boost::system::error_code error);
     void refuse(const boost::system::error_code &error);
+    void refuse(const HttpRequestReading::Refusal &refusal);
     void dispatch();
     void onAnswerTimeout(boost::system::error_code error);
 
@@ -83,6 +87,8 @@ private:
     quint64 m_exchange = 0;  // numbers the requests handed to the handler
     bool m_keepAlive = false;
     unsigned m_version = 11;
+    bool m_headRequest = false;  // its answer goes without the body
+    qint64 m_claimedBodyBytes = 0;
     // The answer being written, and the bytes its body points into.
     QByteArray m_responseBody;
     std::optional<Response> m_response;

@@ -3,6 +3,8 @@
 // request is read, the time a request may take to arrive and a connection may sit idle, and
 // how many connections are served at once. Plain data; any thread.
 
+#include <QtGlobal>
+
 #include <chrono>
 
 struct HttpLimits
@@ -15,6 +17,9 @@ struct HttpLimits
     static constexpr int kDefaultReadTimeoutSeconds = 10;
     static constexpr int kDefaultIdleTimeoutSeconds = 30;
     static constexpr int kDefaultMaxConnections = 4096;
+    // Bodies are read whole before they are handled; this many bytes of them at once, across
+    // all connections, and a further one is turned away (503) rather than held.
+    static constexpr qint64 kDefaultMaxBodyBytesInFlight = 16 * 1024 * 1024;
 
     int maxBodyBytes = kDefaultMaxBodyBytes;      // larger bodies: 413
     int maxHeaderBytes = kDefaultMaxHeaderBytes;  // request line and headers: 431 (414 for the line alone)
@@ -23,4 +28,5 @@ struct HttpLimits
     // Between requests on a kept-alive connection, and before the first one.
     std::chrono::seconds idleTimeout{kDefaultIdleTimeoutSeconds};
     int maxConnections = kDefaultMaxConnections;  // beyond: closed at once
+    qint64 maxBodyBytesInFlight = kDefaultMaxBodyBytesInFlight;
 };

@@ -32,7 +32,16 @@ void HttpRequest::markReceived()
 void HttpRequest::setTarget(const QByteArray &rawTarget)
 {
     target = rawTarget;
-    const qsizetype mark = rawTarget.indexOf('?');
-    path = mark < 0 ? rawTarget : rawTarget.left(mark);
-    query = mark < 0 ? QByteArray() : rawTarget.mid(mark + 1);
+    // A proxy's absolute form ("http://host:port/path?query") names the same resource.
+    QByteArray local = rawTarget;
+    const qsizetype scheme = rawTarget.indexOf("://");
+    if (scheme > 0 && !rawTarget.left(scheme).contains('/') && !rawTarget.left(scheme).contains('?')) {
+        const qsizetype slash = rawTarget.indexOf('/', scheme + 3);
+        const qsizetype mark = rawTarget.indexOf('?', scheme + 3);
+        const qsizetype start = slash < 0 || (mark >= 0 && mark < slash) ? -1 : slash;
+        local = start < 0 ? "/" + (mark < 0 ? QByteArray() : rawTarget.mid(mark)) : rawTarget.mid(start);
+    }
+    const qsizetype mark = local.indexOf('?');
+    path = mark < 0 ? local : local.left(mark);
+    query = mark < 0 ? QByteArray() : local.mid(mark + 1);
 }

@@ -41,13 +41,18 @@ HttpRequest takeRequest(Parser &parser, const QByteArray &peerAddress)
     return request;
 }
 
+bool requestLineEnded(const Parser &parser, const QByteArray &unread, const HttpLimits &limits)
+{
+    return !parser.get().target().empty() || unread.left(limits.maxHeaderBytes).contains("\r\n");
+}
+
 std::optional<Refusal> refusalFor(const boost::system::error_code &error, const HttpLimits &limits,
-                                  const Parser &parser)
+                                  bool lineEnded)
 {
     if (error == http::error::body_limit)
         return Refusal{413, "payload_too_large", QStringLiteral("body over %1 bytes").arg(limits.maxBodyBytes)};
     if (error == http::error::header_limit) {
-        if (parser.get().target().empty())
+        if (!lineEnded)
             return Refusal{414, "uri_too_long", QStringLiteral("request line over %1 bytes").arg(limits.maxHeaderBytes)};
         return Refusal{431, "header_too_large", QStringLiteral("header over %1 bytes").arg(limits.maxHeaderBytes)};
     }
@@ -61,6 +66,13 @@ std::optional<Refusal> refusalFor(const boost::system::error_code &error, const 
     // Any other failure of the parser: the bytes are not a request.
     if (error.category() == http::make_error_code(http::error::bad_target).category())
         return Refusal{400, "bad_request", QStringLiteral("malformed request (%1)").arg(QString::fromStdString(error.message()))};
+    return std::nullopt;
+}
+
+std::optional<Refusal> refusalForHeader(const Parser &parser)
+{
+    if (parser.get().count(http::field::transfer_encoding) > 0 && !parser.chunked())
+        return Refusal{400, "bad_request", QStringLiteral("malformed request (transfer coding not chunked)")};
     return std::nullopt;
 }
 

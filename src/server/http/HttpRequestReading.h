@@ -31,10 +31,19 @@ struct Refusal
     QByteArray code;  // the JSON error code of the answer, and the refusal's kind in the log
     QString what;     // for the answer and the log
 };
-// The header limit hit before the parser took the request line means the request line
-// alone is too long (414).
+// Whether the request line ended within the header limit: the parser took it, or its line
+// break is among the first bytes `unread` that the parser still holds (it may wait for the
+// whole header before it takes the line).
+bool requestLineEnded(const Parser &parser, const QByteArray &unread, const HttpLimits &limits);
+
+// `lineEnded` tells a header over the limit (431) from a request line over it (414).
 std::optional<Refusal> refusalFor(const boost::system::error_code &error, const HttpLimits &limits,
-                                  const Parser &parser);
+                                  bool lineEnded);
+
+// A refusal for a header the parser took but the server must not: a transfer coding other
+// than chunked leaves the body's end unknown, and guessing it would let a body pass for a
+// request of its own.
+std::optional<Refusal> refusalForHeader(const Parser &parser);
 
 // The JSON body of a refusal's answer.
 QByteArray refusalBody(const Refusal &refusal);

@@ -23,4 +23,5 @@ struct HttpServerShared
     const HttpServer::Log log;
     RefusalLog refusals;
     std::atomic<int> connections{0};
+    std::atomic<qint64> bodyBytesInFlight{0};  // claimed by bodies being read
 };

@@ -6,6 +6,7 @@
 #include "QueuedHandler.h"
 #include "RawHttpConnection.h"
 #include "RefusalLog.h"
+#include "RequestLogLine.h"
 
 #include <QDeadlineTimer>
 #include <QMutex>
@@ -277,6 +278,108 @@ TEST(HttpLayer, SlowAndIdleClientsAreClosedAndConnectionsBeyondTheCapAtOnce)
     EXPECT_TRUE(testsupport::waitUntil([&] { return server.log().contains(timedOut); }))
         << server.log().join('\n').toStdString();
     EXPECT_TRUE(server.log().contains("refused 127.0.0.1: over 3 connections (closed)"));
+}
+
+TEST(HttpLayer, NoBodyPassesForARequestAndNoRequestLineIsMistakenForTooLong)
+{
+    std::atomic<int> handled{0};
+    LayerServer server([&](HttpRequest request, HttpResponder responder) {
+        ++handled;
+        echo(std::move(request), std::move(responder));
+    }, smallLimits());
+    // A coding other than chunked leaves the body's end unknown: refused, and the bytes
+    // after the head are never read as a request of their own.
+    for (const char *coding : {"gzip", "chunked, identity"}) {
+        SCOPED_TRACE(coding);
+        RawHttpConnection client(server.port());
+        ASSERT_TRUE(client.write("POST /p HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: " + QByteArray(coding)
+                                     + "\r\n\r\nGET /smuggled HTTP/1.1\r\nHost: h\r\n\r\n",
+                                 kWaitMs));
+        const std::optional<RawAnswer> answer = client.readAnswer(kWaitMs);
+        ASSERT_TRUE(answer);
+        EXPECT_EQ(answer->status, 400);
+        EXPECT_EQ(answer->body, R"json({"error":"bad_request","message":"malformed request (transfer coding not chunked)"})json");
+        EXPECT_TRUE(client.waitForClose(kWaitMs));
+        EXPECT_TRUE(client.received().isEmpty());
+    }
+    EXPECT_EQ(handled, 0);
+
+    // A request line that arrives in pieces and a header over the limit: 431, not 414.
+    RawHttpConnection pieces(server.port());
+    ASSERT_TRUE(pieces.write("GET / H", kWaitMs));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ASSERT_TRUE(pieces.write("TTP/1.1\r\nHost: h\r\nX-Big: " + QByteArray(1100, 'a') + "\r\n\r\n", kWaitMs));
+    const std::optional<RawAnswer> refused = pieces.readAnswer(kWaitMs);
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, 431);
+    EXPECT_EQ(refused->body, R"({"error":"header_too_large","message":"header over 1024 bytes"})");
+}
+
+TEST(HttpLayer, HeadAnswersCarryTheLengthWithoutTheBodyAndAbsoluteTargetsAreLocal)
+{
+    LayerServer server(echo);
+    RawHttpConnection client(server.port());
+    ASSERT_TRUE(client.write("HEAD /page HTTP/1.1\r\nHost: h\r\n\r\n"
+                             "GET http://forum:8080/page?x=1 HTTP/1.1\r\nHost: forum:8080\r\n\r\n",
+                             kWaitMs));
+    const QByteArray getBody = "GET /page|x=1||forum:8080";
+    ASSERT_TRUE(testsupport::waitUntil([&] {
+        client.checkClosed();
+        return client.received().endsWith(getBody);
+    }));
+    const QByteArray headBody = "HEAD /page|||h";
+    const QByteArray received = client.received();
+    // The HEAD answer's head, then at once the GET's answer.
+    const qsizetype second = received.indexOf("HTTP/1.1 200", 1);
+    ASSERT_GT(second, 0);
+    EXPECT_TRUE(received.left(second).contains("Content-Length: " + QByteArray::number(headBody.size()) + "\r\n"));
+    EXPECT_TRUE(received.left(second).endsWith("\r\n\r\n"));
+    EXPECT_TRUE(received.mid(second).endsWith("\r\n\r\n" + getBody));
+}
+
+TEST(HttpLayer, BodiesUnderWayAreBoundedAcrossConnections)
+{
+    HttpLimits limits = smallLimits();
+    limits.maxBodyBytesInFlight = 250;
+    limits.maxConnections = 10;  // the refused one lingers a while
+    LayerServer server(echo, limits);
+    // Two bodies of 100 declared and stalled hold 200 of the 250; a third is turned away.
+    RawHttpConnection first(server.port());
+    RawHttpConnection second(server.port());
+    const QByteArray head = "POST /p HTTP/1.1\r\nHost: h\r\nContent-Length: 100\r\n\r\n";
+    ASSERT_TRUE(first.write(head + "abc", kWaitMs));
+    ASSERT_TRUE(second.write(head, kWaitMs));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return server.server().connectionCount() == 2; }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    RawHttpConnection third(server.port());
+    ASSERT_TRUE(third.write(head, kWaitMs));
+    const std::optional<RawAnswer> busy = third.readAnswer(kWaitMs);
+    ASSERT_TRUE(busy);
+    EXPECT_EQ(busy->status, 503);
+    EXPECT_EQ(busy->body, R"({"error":"server_busy","message":"bodies under way over 250 bytes in all"})");
+    // The first body done, its room is free again.
+    ASSERT_TRUE(first.write(QByteArray(97, 'x'), kWaitMs));
+    ASSERT_TRUE(first.readAnswer(kWaitMs));
+    RawHttpConnection fourth(server.port());
+    ASSERT_TRUE(fourth.write(head + QByteArray(100, 'y'), kWaitMs));
+    const std::optional<RawAnswer> served = fourth.readAnswer(kWaitMs);
+    ASSERT_TRUE(served);
+    EXPECT_EQ(served->status, 200);
+    EXPECT_TRUE(server.log().contains("refused 127.0.0.1: bodies under way over 250 bytes in all (503)"))
+        << server.log().join(QLatin1Char('\n')).toStdString();
+}
+
+TEST(RequestLogLine, JoinsThePartsLiterallyAndCutsLongPaths)
+{
+    HttpRequest request;
+    request.method = "GET";
+    request.setTarget("/api/%1%20x%0A?data=%2");
+    EXPECT_EQ(RequestLogLine::of(request, 404, QStringLiteral("nothing at %1"), 2.25),
+              QStringLiteral("GET /api/%1%20x%0A 404 2.3 ms (nothing at %1)"));
+    request.setTarget("/" + QByteArray(300, 'p'));
+    EXPECT_EQ(RequestLogLine::of(request, 200),
+              QStringLiteral("GET /") + QString(RequestLogLine::kMaxPathCharacters - 1, QLatin1Char('p'))
+                  + QStringLiteral("... 200"));
 }
 
 TEST(RefusalLog, LogsEachAddressAndKindOncePerMinute)
