@@ -388,6 +388,36 @@ TEST_F(HostileClients, AThousandStalledHeadsUnderTheLimitStayUnderTheCeiling)
     EXPECT_EQ(countClosed(stalled), 0);
 }
 
+// A thousand clients that each declare a body of the largest size, send all but its last
+// byte and stall: the server holds only so many bodies at once and turns the rest away
+// (503), so its memory stays under the ceiling while others are served.
+TEST_F(HostileClients, AThousandStalledBodiesOfTheLimitStayUnderTheCeiling)
+{
+    ASSERT_GE(openFileLimit, rlim_t(kIdleConnections + kSpareDescriptors));
+    ASSERT_NO_FATAL_FAILURE(start());
+    const QByteArray head = request(port, kPostLine, contentLength(HttpLimits::kDefaultMaxBodyBytes));
+    const QByteArray body(HttpLimits::kDefaultMaxBodyBytes - 1, 'b');
+    const Connections stalled = openIdle(port, kIdleConnections);
+    ASSERT_EQ(countConnected(stalled), kIdleConnections);
+    for (const auto &connection : stalled) {
+        // Those turned away stop taking the body; that is what the test wants to see.
+        if (connection->write(head, kAnswerTimeoutMs))
+            connection->stream(body, body.size(), kStalledSettleMs);
+    }
+    testsupport::spinFor(kStalledSettleMs);
+
+    EXPECT_TRUE(isBoardList(askForBoards(port)));
+    expectMemoryUnderCeiling();
+    const auto busy = std::count_if(stalled.begin(), stalled.end(), [](const auto &connection) {
+        connection->checkClosed();  // reads what has come
+        const std::optional<RawAnswer> answer = connection->readAnswer(0);
+        return answer && answer->status == 503;
+    });
+    // Room for exactly this many bodies of the limit; every other one is turned away.
+    const qint64 held = HttpLimits::kDefaultMaxBodyBytesInFlight / HttpLimits::kDefaultMaxBodyBytes;
+    EXPECT_EQ(busy, kIdleConnections - held) << loopbackRefusals(server->log()).join('\n').toStdString();
+}
+
 // With --idle-timeout 2 the server closes idle connections itself, a connection kept alive
 // after its request among them, not before their time, and serves on.
 TEST_F(HostileClients, IdleConnectionsAreClosedByTheIdleTimeout)
