@@ -1,5 +1,6 @@
 // quorvel-server: the forum's reference server. See --help.
 #include "AnalyticsReport.h"
+#include "CollectorHttpServer.h"
 #include "CollectorService.h"
 #include "DemoData.h"
 #include "ForumDatabase.h"
@@ -37,9 +38,10 @@ int main(int argc, char **argv)
         return parsed.exitCode;
     }
     const ServerOptions &options = *parsed.options;
-    if (!HttpServer::raiseOpenFileLimit(options.maxConnections))
-        serverLog(QStringLiteral("the open-file limit is below %1 connections; some will be refused")
-                      .arg(options.maxConnections));
+    const int connections = options.maxConnections + CollectorHttpServer::kMaxConnections;
+    if (!HttpServer::raiseOpenFileLimit(connections))
+        serverLog(QStringLiteral("the open-file limit is below %1 connections; some will wait or be refused")
+                      .arg(connections));
 
     QString error;
     const std::unique_ptr<ForumDatabase> database = ForumDatabase::open(options.databasePath, &error);

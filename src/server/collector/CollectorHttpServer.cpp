@@ -5,9 +5,10 @@
 #include "RequestLogLine.h"
 
 namespace {
-HttpLimits withUploadLimit(HttpLimits limits)
+HttpLimits collectorLimits(HttpLimits limits)
 {
     limits.maxBodyBytes = CollectorHttpServer::kMaxUploadBytes;
+    limits.maxConnections = CollectorHttpServer::kMaxConnections;
     return limits;
 }
 } // namespace
@@ -15,7 +16,7 @@ HttpLimits withUploadLimit(HttpLimits limits)
 CollectorHttpServer::CollectorHttpServer(AnalyticsCollector &collector, HttpLimits limits, QObject *parent)
     : QObject(parent)
     , m_collector(collector)
-    , m_http(withUploadLimit(limits),
+    , m_http(collectorLimits(limits),
              QueuedHandler::onThreadOf(this, [this](HttpRequest request, HttpResponder responder) {
                  answer(request, responder);
              }),

@@ -15,10 +15,11 @@ class CollectorHttpServer : public QObject
 public:
     // Uploads are at most the client's largest log file (256 KiB) wrapped in an envelope.
     static constexpr int kMaxUploadBytes = 1024 * 1024;
-    // Uploads are few; one pool thread reads them.
+    // Uploads are few; one pool thread reads them, from this many clients at once.
     static constexpr int kThreads = 1;
+    static constexpr int kMaxConnections = 256;
 
-    // `limits` apply but for the body, which is the collector's own.
+    // `limits` apply but for the body and the connections, which are the collector's own.
     CollectorHttpServer(AnalyticsCollector &collector, HttpLimits limits, QObject *parent = nullptr);
 
     quint16 listen(const QString &address, quint16 port, QString *error);
