@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034  # sets globals the sourcing script reads
 # Starting quorvel-server processes in the background and stopping them. Sourced:
 #
 #   source scripts/lib/forum-servers.sh
@@ -25,7 +26,7 @@ forum_server_start() {
   FORUM_SERVER_PIDS+=("$pid")
   local deadline=$((SECONDS + FORUM_SERVER_START_SECONDS))
   while ((SECONDS < deadline)); do
-    if FORUM_SERVER_ROOT=$(grep -o -m 1 'http://[^ ]*/api/' "$log.out"); then
+    if FORUM_SERVER_ROOT=$(grep -s -o -m 1 'http://[^ ]*/api/' "$log.out"); then
       return 0
     fi
     if ! kill -0 "$pid" 2>/dev/null; then

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A local PostgreSQL cluster from Debian's packages in a folder of its own, on loopback only,
 # trusting local connections. Sourced by scripts that need a database server:
 #
@@ -22,7 +23,7 @@ LOCAL_PG_RUNNING=false
 # The newest installed server's binary folder.
 local_pg_binaries() {
   local bin
-  bin=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -n 1)
+  bin=$(printf "%s\n" /usr/lib/postgresql/*/bin | sort -V | tail -n 1)
   if [[ -z "$bin" || ! -x "$bin/initdb" ]]; then
     echo "no PostgreSQL server under /usr/lib/postgresql (scripts/setup.sh installs postgresql)" >&2
     return 1
