@@ -1,0 +1,133 @@
+#!/usr/bin/env bash
+# Load figures for quorvel-server against nginx serving the very same answer bytes, in one
+# run: wrk with 64 connections on GetTopics and TopicDetail, sent as the client sends them,
+# (a) on SQLite with one server process, (b) on a local PostgreSQL with two, the connections
+# split between them (nginx then gets the same two halves). Caches are warmed first. Prints
+# a table; fails only when something does not run, never for a missed target.
+#
+#   bench/server/run.sh
+set -euo pipefail
+shopt -s inherit_errexit
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+
+readonly CONNECTIONS=64
+readonly MEASURE_SECONDS=10
+readonly WARM_SECONDS=2
+readonly ENDPOINTS=(GetTopics TopicDetail)
+readonly TARGET_RATIO=0.5
+readonly TARGET_P99_MS=20
+readonly DATABASE=forum
+
+"$root/scripts/build.sh" quorvel-server quorvel-bench-urls
+build="${QUORVEL_BUILD_DIR:-$root/build}"
+server="$build/src/server/quorvel-server"
+urls_tool="$build/bench/server/quorvel-bench-urls"
+
+# shellcheck source=SCRIPTDIR/../../scripts/lib/local-postgres.sh
+source "$root/scripts/lib/local-postgres.sh"
+# shellcheck source=SCRIPTDIR/../../scripts/lib/forum-servers.sh
+source "$root/scripts/lib/forum-servers.sh"
+# shellcheck source=SCRIPTDIR/nginx-peer.sh
+source "$here/nginx-peer.sh"
+# shellcheck source=SCRIPTDIR/wrk-figures.sh
+source "$here/wrk-figures.sh"
+
+# Everything of the run lives here; nginx's workers and PostgreSQL run as other users.
+work=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-server-bench.XXXXXX")
+chmod 755 "$work"
+# shellcheck disable=SC2317  # called by the trap
+finish() {
+  local status=$?
+  wrk_stop
+  nginx_stop
+  forum_servers_stop
+  local_pg_stop
+  if ((status == 0)); then
+    rm -rf "$work"
+  else
+    echo "logs kept in $work" >&2
+  fi
+}
+trap finish EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+cores=$(nproc)
+# The server takes a thread count once its HTTP layer has a pool; the processes then share
+# the cores, as nginx's workers do.
+server_help=$("$server" --help 2>/dev/null)
+server_threads=""
+threads_note="its HTTP layer takes no --threads"
+if [[ "$server_help" == *--threads* ]]; then
+  server_threads=$cores
+  threads_note="--threads $cores split between its processes"
+fi
+
+rows=()
+
+# measure CASE ENDPOINT SIDE URL...: warms, then measures; the figures in WRK_FIGURES.
+measure() {
+  local case=$1 endpoint=$2 side=$3
+  shift 3
+  wrk_load "$WARM_SECONDS" "$CONNECTIONS" "$work/$case/$endpoint-$side-warm" "$@"
+  wrk_load "$MEASURE_SECONDS" "$CONNECTIONS" "$work/$case/$endpoint-$side" "$@"
+}
+
+# url_of ENDPOINT API_ROOT: the client's request to the endpoint under that root.
+url_of() {
+  XDG_DATA_HOME="$work/device" "$urls_tool" "$2" | awk -v endpoint="$1" '$1 == endpoint { print $2 }'
+}
+
+# run_case CASE PROCESSES DATABASE
+run_case() {
+  local case=$1 processes=$2 db=$3
+  local folder="$work/$case" i endpoint
+  mkdir -p "$folder/answers"
+  local roots=() options=(--port 0 --analytics-port 0 --db "$db")
+  if [[ -n "$server_threads" ]]; then
+    options+=(--threads "$((server_threads / processes > 0 ? server_threads / processes : 1))")
+  fi
+  for ((i = 0; i < processes; i++)); do
+    forum_server_start "$server" "$folder/server-$i.log" "${options[@]}"
+    roots+=("$FORUM_SERVER_ROOT")
+  done
+  for endpoint in "${ENDPOINTS[@]}"; do
+    local answer="$folder/answers/$endpoint" got
+    got=$(curl -sS -o "$answer.body" -w '%{http_code} %{content_type}' "$(url_of "$endpoint" "${roots[0]}")")
+    if [[ "${got%% *}" != 200 ]]; then
+      echo "$case: $endpoint answered ${got%% *}: $(head -c 300 "$answer.body")" >&2
+      return 1
+    fi
+    printf '%s' "${got#* }" >"$answer.type"
+  done
+  nginx_start "$folder/nginx" "$folder/answers"
+
+  for endpoint in "${ENDPOINTS[@]}"; do
+    local server_urls=() nginx_urls=() server_figures
+    for ((i = 0; i < processes; i++)); do
+      server_urls+=("$(url_of "$endpoint" "${roots[i]}")")
+      nginx_urls+=("$(url_of "$endpoint" "$NGINX_ORIGIN/api/")")
+    done
+    measure "$case" "$endpoint" server "${server_urls[@]}"
+    server_figures=$WRK_FIGURES
+    measure "$case" "$endpoint" nginx "${nginx_urls[@]}"
+    rows+=("$case $processes $endpoint $(stat -c %s "$folder/answers/$endpoint.body") $server_figures $WRK_FIGURES")
+  done
+  nginx_stop
+  forum_servers_stop
+}
+
+echo "quorvel-server $(git -C "$root" describe --always --dirty)" \
+  "($threads_note)" \
+  "against nginx $("$NGINX" -v 2>&1 | sed 's|.*/||') (worker_processes auto)"
+echo "wrk, $CONNECTIONS connections, ${MEASURE_SECONDS} s each after a ${WARM_SECONDS} s warm-up;" \
+  "$cores cores, load average $(cut -d ' ' -f 1-3 /proc/loadavg) before the run"
+
+run_case sqlite 1 "$work/forum.sqlite"
+local_pg_start "$work/postgres" "$(free_port)"
+local_pg_create_database "$DATABASE"
+run_case postgresql 2 "$(local_pg_url "$DATABASE")"
+
+"$here/print-table.sh" "$TARGET_RATIO" "$TARGET_P99_MS" "${rows[@]}"
+echo "load average after the run: $(cut -d ' ' -f 1-3 /proc/loadavg)"
