@@ -66,12 +66,12 @@ fi
 
 rows=()
 
-# measure CASE ENDPOINT SIDE URL...: warms, then measures; the figures in WRK_FIGURES.
+# measure LABEL ENDPOINT SIDE URL...: warms, then measures; the figures in WRK_FIGURES.
 measure() {
-  local case=$1 endpoint=$2 side=$3
+  local label=$1 endpoint=$2 side=$3
   shift 3
-  wrk_load "$WARM_SECONDS" "$CONNECTIONS" "$work/$case/$endpoint-$side-warm" "$@"
-  wrk_load "$MEASURE_SECONDS" "$CONNECTIONS" "$work/$case/$endpoint-$side" "$@"
+  wrk_load "$WARM_SECONDS" "$CONNECTIONS" "$work/$label/$endpoint-$side-warm" "$@"
+  wrk_load "$MEASURE_SECONDS" "$CONNECTIONS" "$work/$label/$endpoint-$side" "$@"
 }
 
 # url_of ENDPOINT API_ROOT: the client's request to the endpoint under that root.
@@ -79,10 +79,10 @@ url_of() {
   XDG_DATA_HOME="$work/device" "$urls_tool" "$2" | awk -v endpoint="$1" '$1 == endpoint { print $2 }'
 }
 
-# run_case CASE PROCESSES DATABASE
+# run_case LABEL PROCESSES DATABASE
 run_case() {
-  local case=$1 processes=$2 db=$3
-  local folder="$work/$case" i endpoint
+  local label=$1 processes=$2 db=$3
+  local folder="$work/$label" i endpoint
   mkdir -p "$folder/answers"
   local roots=() options=(--port 0 --analytics-port 0 --db "$db")
   if [[ -n "$server_threads" ]]; then
@@ -92,11 +92,12 @@ run_case() {
     forum_server_start "$server" "$folder/server-$i.log" "${options[@]}"
     roots+=("$FORUM_SERVER_ROOT")
   done
+  # nginx's answers are fetched once from the server: this first request also fills its cache.
   for endpoint in "${ENDPOINTS[@]}"; do
     local answer="$folder/answers/$endpoint" got
     got=$(curl -sS -o "$answer.body" -w '%{http_code} %{content_type}' "$(url_of "$endpoint" "${roots[0]}")")
     if [[ "${got%% *}" != 200 ]]; then
-      echo "$case: $endpoint answered ${got%% *}: $(head -c 300 "$answer.body")" >&2
+      echo "$label: $endpoint answered ${got%% *}: $(head -c 300 "$answer.body")" >&2
       return 1
     fi
     printf '%s' "${got#* }" >"$answer.type"
@@ -109,10 +110,10 @@ run_case() {
       server_urls+=("$(url_of "$endpoint" "${roots[i]}")")
       nginx_urls+=("$(url_of "$endpoint" "$NGINX_ORIGIN/api/")")
     done
-    measure "$case" "$endpoint" server "${server_urls[@]}"
+    measure "$label" "$endpoint" server "${server_urls[@]}"
     server_figures=$WRK_FIGURES
-    measure "$case" "$endpoint" nginx "${nginx_urls[@]}"
-    rows+=("$case $processes $endpoint $(stat -c %s "$folder/answers/$endpoint.body") $server_figures $WRK_FIGURES")
+    measure "$label" "$endpoint" nginx "${nginx_urls[@]}"
+    rows+=("$label $processes $endpoint $(stat -c %s "$folder/answers/$endpoint.body") $server_figures $WRK_FIGURES")
   done
   nginx_stop
   forum_servers_stop
