@@ -12,7 +12,8 @@ here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 
 readonly CONNECTIONS=64
-readonly MEASURE_SECONDS=10
+readonly ROUNDS=2
+readonly ROUND_SECONDS=5  # 10 s of load on each side in all
 readonly WARM_SECONDS=2
 readonly ENDPOINTS=(GetTopics TopicDetail)
 readonly TARGET_RATIO=0.5
@@ -66,12 +67,37 @@ fi
 
 rows=()
 
-# measure LABEL ENDPOINT SIDE URL...: warms, then measures; the figures in WRK_FIGURES.
+# measure LABEL ENDPOINT: warms both sides, then loads them in turn, ROUNDS times each, so a
+# change in the machine's other load falls on both alike. Reads server_urls and nginx_urls
+# (one per wrk run); adds the row.
 measure() {
-  local label=$1 endpoint=$2 side=$3
-  shift 3
-  wrk_load "$WARM_SECONDS" "$CONNECTIONS" "$work/$label/$endpoint-$side-warm" "$@"
-  wrk_load "$MEASURE_SECONDS" "$CONNECTIONS" "$work/$label/$endpoint-$side" "$@"
+  local label=$1 endpoint=$2 side round
+  local reports="$work/$label/$endpoint"
+  for side in server nginx; do
+    local -n urls="${side}_urls"
+    wrk_load "$WARM_SECONDS" "$CONNECTIONS" "$reports-$side-warm" "${urls[@]}"
+  done
+  for ((round = 0; round < ROUNDS; round++)); do
+    for side in server nginx; do
+      local -n urls="${side}_urls"
+      wrk_load "$ROUND_SECONDS" "$CONNECTIONS" "$reports-$side-$round" "${urls[@]}"
+    done
+  done
+  local bytes server_figures nginx_figures round_ratios=""
+  bytes=$(stat -c %s "$work/$label/answers/$endpoint.body")
+  server_figures=$(wrk_figures "$ROUNDS" "$reports"-server-[0-9]*)
+  nginx_figures=$(wrk_figures "$ROUNDS" "$reports"-nginx-[0-9]*)
+  # The ratio of each round alone shows how much the machine's other load moved it.
+  for ((round = 0; round < ROUNDS; round++)); do
+    round_ratios+="${round_ratios:+/}$(ratio_of "$(wrk_figures 1 "$reports-server-$round".*)" \
+      "$(wrk_figures 1 "$reports-nginx-$round".*)")"
+  done
+  rows+=("$label ${#server_urls[@]} $endpoint $bytes $server_figures $nginx_figures $round_ratios")
+}
+
+# ratio_of SERVER_FIGURES NGINX_FIGURES: the ratio of their rates.
+ratio_of() {
+  awk -v server="${1%% *}" -v nginx="${2%% *}" 'BEGIN { printf "%.2f", (nginx > 0 ? server / nginx : 0) }'
 }
 
 # url_of ENDPOINT API_ROOT: the client's request to the endpoint under that root.
@@ -105,15 +131,12 @@ run_case() {
   nginx_start "$folder/nginx" "$folder/answers"
 
   for endpoint in "${ENDPOINTS[@]}"; do
-    local server_urls=() nginx_urls=() server_figures
+    local server_urls=() nginx_urls=()
     for ((i = 0; i < processes; i++)); do
       server_urls+=("$(url_of "$endpoint" "${roots[i]}")")
       nginx_urls+=("$(url_of "$endpoint" "$NGINX_ORIGIN/api/")")
     done
-    measure "$label" "$endpoint" server "${server_urls[@]}"
-    server_figures=$WRK_FIGURES
-    measure "$label" "$endpoint" nginx "${nginx_urls[@]}"
-    rows+=("$label $processes $endpoint $(stat -c %s "$folder/answers/$endpoint.body") $server_figures $WRK_FIGURES")
+    measure "$label" "$endpoint"
   done
   nginx_stop
   forum_servers_stop
@@ -122,7 +145,8 @@ run_case() {
 echo "quorvel-server $(git -C "$root" describe --always --dirty)" \
   "($threads_note)" \
   "against nginx $("$NGINX" -v 2>&1 | sed 's|.*/||') (worker_processes auto)"
-echo "wrk, $CONNECTIONS connections, ${MEASURE_SECONDS} s each after a ${WARM_SECONDS} s warm-up;" \
+echo "wrk, $CONNECTIONS connections, after a ${WARM_SECONDS} s warm-up $ROUNDS rounds of ${ROUND_SECONDS} s" \
+  "on each side in turn;" \
   "$cores cores, load average $(cut -d ' ' -f 1-3 /proc/loadavg) before the run"
 
 run_case sqlite 1 "$work/forum.sqlite"

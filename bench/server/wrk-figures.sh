@@ -1,18 +1,22 @@
-# shellcheck shell=bash disable=SC2034  # sets globals the sourcing script reads
+# shellcheck shell=bash
 # Load from wrk (Debian's) and the figures read from its reports. Sourced by run.sh.
 #
 #   wrk_load SECONDS CONNECTIONS REPORT URL...
 #
 # puts CONNECTIONS on the URLs at once, split evenly, one wrk run per URL (so two server
 # processes each get their half, and a single peer given the same URL twice gets the same
-# shape), with WRK_THREADS threads in all, and sets WRK_FIGURES to "rate p50_ms p99_ms
-# errors": the rates summed, the worse of the runs' latencies, and non-2xx answers plus
-# socket errors summed. Each run's report is kept as REPORT.N. wrk_stop ends runs under way.
+# shape), with WRK_THREADS threads in all; each run's report goes to REPORT.N. wrk_stop ends
+# runs under way.
+#
+#   wrk_figures ROUNDS REPORT...
+#
+# prints "rate p50_ms p99_ms errors" for the reports of ROUNDS loads one after another: the
+# rates summed over simultaneous runs and averaged over rounds, the worst of the latencies,
+# and non-2xx answers plus socket errors summed.
 
 readonly WRK_THREADS=2
 
 WRK_PIDS=()
-WRK_FIGURES=""
 
 wrk_load() {
   local seconds=$1 connections=$2 report=$3
@@ -32,7 +36,6 @@ wrk_load() {
     }
   done
   WRK_PIDS=()
-  WRK_FIGURES=$(wrk_figures "$report".*)
 }
 
 wrk_stop() {
@@ -44,9 +47,10 @@ wrk_stop() {
   WRK_PIDS=()
 }
 
-# wrk_figures REPORT...: the combined figures of simultaneous runs.
 wrk_figures() {
-  awk '
+  local rounds=$1
+  shift
+  awk -v rounds="$rounds" '
     function ms(text, n) {
       n = text + 0
       if (text ~ /us$/) return n / 1000
@@ -62,7 +66,7 @@ wrk_figures() {
     /^Requests\/sec:/ { rate += $2; reports++ }
     END {
       if (reports != ARGC - 1) exit 1
-      printf "%.0f %.2f %.2f %d\n", rate, p50, p99, errors
+      printf "%.0f %.2f %.2f %d\n", rate / rounds, p50, p99, errors
     }' "$@" || {
     echo "unreadable wrk report among $*" >&2
     return 1
