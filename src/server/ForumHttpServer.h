@@ -1,30 +1,37 @@
 #pragma once
-// The HTTP side of the server: hands every request to the ForumRouter, writes its answer
-// and logs one line per request. Requests are handled one at a time on the thread the
-// server lives on (the main thread), so the store sees no concurrent use.
+// The forum's HTTP side: takes requests from the HTTP layer's pool, answers cached reading
+// requests there at once, and hands the rest to the store's thread (the main thread): first
+// to the request taker (the push gateway), then to the ForumRouter. One log line per request.
+// Lives on the main thread; take() runs on the pool.
 
 #include "ForumRouter.h"
+#include "HttpServer.h"
 
-#include <QAbstractHttpServer>
+#include <QObject>
 
 #include <functional>
 
-class ForumHttpServer : public QAbstractHttpServer
+class ForumHttpServer : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit ForumHttpServer(ForumRouter &router, QObject *parent = nullptr);
+    ForumHttpServer(ForumRouter &router, const HttpLimits &limits, QObject *parent = nullptr);
 
-    // Sees every request before the router; true when it answered it (or keeps it open).
-    using RequestTaker = std::function<bool(const QHttpServerRequest &, QHttpServerResponder &)>;
+    // Sees every uncached request before the router, on the main thread; true when it
+    // answered it (or keeps it open as a stream).
+    using RequestTaker = std::function<bool(const HttpRequest &, const HttpResponder &)>;
     void setRequestTaker(RequestTaker taker) { m_taker = std::move(taker); }
 
-protected:
-    bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override;
-    void missingHandler(const QHttpServerRequest &request, QTcpSocket *socket) override;
+    quint16 listen(const QString &address, quint16 port, QString *error);
+    void start(int threads) { m_http.start(threads); }
 
 private:
+    void take(HttpRequest request, HttpResponder responder);
+    void answer(const HttpRequest &request, const HttpResponder &responder);
+
     ForumRouter &m_router;
     RequestTaker m_taker;
+    const HttpServer::Handler m_onMainThread;
+    HttpServer m_http;
 };

@@ -6,6 +6,9 @@
 #include <QCommandLineParser>
 #include <QHostAddress>
 
+#include <algorithm>
+#include <thread>
+
 namespace {
 
 const char *const kDescription =
@@ -25,7 +28,27 @@ std::optional<int> boundedNumber(const QString &text, int minimum, int maximum)
     return value;
 }
 
+constexpr int kMinAutoThreads = 2;
+constexpr int kMaxThreads = 256;
+constexpr int kMaxTimeoutSeconds = 3600;
+
 } // namespace
+
+HttpLimits ServerOptions::httpLimits() const
+{
+    HttpLimits limits;
+    limits.maxBodyBytes = maxBodyBytes;
+    limits.maxHeaderBytes = maxHeaderBytes;
+    limits.readTimeout = std::chrono::seconds(readTimeoutSeconds);
+    limits.idleTimeout = std::chrono::seconds(idleTimeoutSeconds);
+    limits.maxConnections = maxConnections;
+    return limits;
+}
+
+int ServerOptions::threadCount() const
+{
+    return threads > 0 ? threads : std::max(kMinAutoThreads, int(std::thread::hardware_concurrency()));
+}
 
 ServerOptionsParse parseServerOptions(const QStringList &arguments)
 {
@@ -78,7 +101,35 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         QStringLiteral("Report policy the push gateway answers under /push/ (0 register daily, 1 report "
                        "nothing, 2 launch every time; default 0)."),
         QStringLiteral("policy"), QString::number(options.pushLaunchPolicy));
-    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard, pushPolicy});
+    const QCommandLineOption maxHeader(
+        QStringLiteral("max-header"),
+        QStringLiteral("Largest request line and header fields in bytes (default %1); larger get 431, "
+                       "or 414 for the request line alone.")
+            .arg(options.maxHeaderBytes),
+        QStringLiteral("bytes"), QString::number(options.maxHeaderBytes));
+    const QCommandLineOption readTimeout(
+        QStringLiteral("read-timeout"),
+        QStringLiteral("Seconds a request may take to arrive, from its first byte (default %1); a slower "
+                       "one is cut off.")
+            .arg(options.readTimeoutSeconds),
+        QStringLiteral("seconds"), QString::number(options.readTimeoutSeconds));
+    const QCommandLineOption idleTimeout(
+        QStringLiteral("idle-timeout"),
+        QStringLiteral("Seconds a connection may wait for its next request (default %1).")
+            .arg(options.idleTimeoutSeconds),
+        QStringLiteral("seconds"), QString::number(options.idleTimeoutSeconds));
+    const QCommandLineOption maxConnections(
+        QStringLiteral("max-connections"),
+        QStringLiteral("Connections served at once (default %1); more are closed at once.")
+            .arg(options.maxConnections),
+        QStringLiteral("count"), QString::number(options.maxConnections));
+    const QCommandLineOption threads(
+        QStringLiteral("threads"),
+        QStringLiteral("Threads reading requests and answering cached ones (default 0: one per core, "
+                       "at least two)."),
+        QStringLiteral("count"), QString::number(options.threads));
+    parser.addOptions({help, host, port, db, interval, maxBody, maxTitle, maxContent, bulkBoard, pushPolicy,
+                       maxHeader, readTimeout, idleTimeout, maxConnections, threads});
     parser.addOptions(CollectorOptions::commandLineOptions());
 
     if (!parser.parse(arguments))
@@ -107,6 +158,11 @@ ServerOptionsParse parseServerOptions(const QStringList &arguments)
         {maxContent, 1, 1000000, &options.maxContentLength},
         {bulkBoard, 0, DemoData::kMaxBulkBoardTopics, &options.bulkBoardTopics},
         {pushPolicy, 0, 2, &options.pushLaunchPolicy},
+        {maxHeader, 1024, 64 * 1024 * 1024, &options.maxHeaderBytes},
+        {readTimeout, 1, kMaxTimeoutSeconds, &options.readTimeoutSeconds},
+        {idleTimeout, 1, kMaxTimeoutSeconds, &options.idleTimeoutSeconds},
+        {maxConnections, 1, 1'000'000, &options.maxConnections},
+        {threads, 0, kMaxThreads, &options.threads},
     };
     for (const Bounded &number : numbers) {
         const std::optional<int> value = boundedNumber(parser.value(number.option), number.minimum,

@@ -15,7 +15,6 @@
 
 #include <QDateTime>
 #include <QGuiApplication>
-#include <QHostAddress>
 
 #include <cstdio>
 
@@ -38,6 +37,9 @@ int main(int argc, char **argv)
         return parsed.exitCode;
     }
     const ServerOptions &options = *parsed.options;
+    if (!HttpServer::raiseOpenFileLimit(options.maxConnections))
+        serverLog(QStringLiteral("the open-file limit is below %1 connections; some will be refused")
+                      .arg(options.maxConnections));
 
     QString error;
     const std::unique_ptr<ForumDatabase> database = ForumDatabase::open(options.databasePath, &error);
@@ -62,22 +64,23 @@ int main(int argc, char **argv)
         return 1;
     }
     PushGateway gateway(*database, {pushSecret, {options.pushLaunchPolicy, 0}, options.maxBodyBytes});
-    ForumHttpServer server(router);
-    server.setRequestTaker([&gateway](const QHttpServerRequest &request, QHttpServerResponder &responder) {
+    ForumHttpServer server(router, options.httpLimits());
+    server.setRequestTaker([&gateway](const HttpRequest &request, const HttpResponder &responder) {
         return gateway.take(request, responder);
     });
-    const quint16 port = server.listen(QHostAddress(options.host), options.port);
+    const quint16 port = server.listen(options.host, options.port, &error);
     if (port == 0) {
-        serverLog(QStringLiteral("cannot listen on %1:%2").arg(options.host).arg(options.port));
+        serverLog(error);
         return 1;
     }
     const QString origin = QStringLiteral("http://%1:%2").arg(options.host).arg(port);
     router.setFallbackOrigin(origin);
+    server.start(options.threadCount());
     std::printf("quorvel-server listening on %s/api/\n", origin.toUtf8().constData());
 
     // The forum serves on even when the collector cannot: parallel servers share its default port.
     const std::unique_ptr<CollectorService> collector =
-        CollectorService::start(options.databasePath, options.host, options.analytics, &error);
+        CollectorService::start(options.databasePath, options.host, options.analytics, options.httpLimits(), &error);
     if (collector)
         std::printf("quorvel-server analytics listening on %s (POST /app_logs)\n", collector->root().toUtf8().constData());
     else

@@ -1,35 +1,41 @@
 #include "CollectorHttpServer.h"
 
 #include "CollectorLog.h"
+#include "QueuedHandler.h"
 
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
-#include <QMetaEnum>
+namespace {
+HttpLimits withUploadLimit(HttpLimits limits)
+{
+    limits.maxBodyBytes = CollectorHttpServer::kMaxUploadBytes;
+    return limits;
+}
+} // namespace
 
-CollectorHttpServer::CollectorHttpServer(AnalyticsCollector &collector, QObject *parent)
-    : QAbstractHttpServer(parent)
+CollectorHttpServer::CollectorHttpServer(AnalyticsCollector &collector, HttpLimits limits, QObject *parent)
+    : QObject(parent)
     , m_collector(collector)
+    , m_http(withUploadLimit(limits),
+             QueuedHandler::onThreadOf(this, [this](HttpRequest request, HttpResponder responder) {
+                 answer(request, responder);
+             }),
+             collectorLog)
 {
 }
 
-bool CollectorHttpServer::handleRequest(const QHttpServerRequest &request, QTcpSocket *socket)
+quint16 CollectorHttpServer::listen(const QString &address, quint16 port, QString *error)
 {
-    const char *key = QMetaEnum::fromType<QHttpServerRequest::Method>().valueToKey(int(request.method()));
-    const QByteArray method = key ? QByteArray(key).toUpper() : QByteArrayLiteral("UNKNOWN");
-    const QByteArray path = request.url().path(QUrl::FullyEncoded).toUtf8();
-    const AnalyticsCollector::Reply reply = m_collector.handle(method, path, request.body());
-    makeResponder(request, socket)
-        .write(reply.body, {{"Content-Type", reply.contentType}},
-               static_cast<QHttpServerResponder::StatusCode>(reply.status));
-    QString line = QStringLiteral("%1 %2 %3").arg(QString::fromLatin1(method), QString::fromUtf8(path)).arg(reply.status);
+    const quint16 bound = m_http.listen(address, port, error);
+    if (bound != 0)
+        m_http.start(kThreads);
+    return bound;
+}
+
+void CollectorHttpServer::answer(const HttpRequest &request, const HttpResponder &responder)
+{
+    const AnalyticsCollector::Reply reply = m_collector.handle(request.method, request.path, request.body);
+    responder.respond({reply.status, reply.contentType, reply.body, {}});
+    QString line = QStringLiteral("%1 %2 %3").arg(QString::fromLatin1(request.method), QString::fromUtf8(request.path)).arg(reply.status);
     if (!reply.note.isEmpty())
         line += QStringLiteral(" (%1)").arg(reply.note);
     collectorLog(line);
-    return true;
-}
-
-void CollectorHttpServer::missingHandler(const QHttpServerRequest &request, QTcpSocket *socket)
-{
-    // Unreached: handleRequest answers everything. Kept answering so no client hangs.
-    makeResponder(request, socket).write(QHttpServerResponder::StatusCode::NotFound);
 }

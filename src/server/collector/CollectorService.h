@@ -17,7 +17,8 @@ public:
     // Opens the store and listens on `host` and the options' port; nothing, with `error` set,
     // when either fails.
     static std::unique_ptr<CollectorService> start(const QString &databasePath, const QString &host,
-                                                   const CollectorOptions &options, QString *error);
+                                                   const CollectorOptions &options, const HttpLimits &limits,
+                                                   QString *error);
 
     // "http://HOST:PORT", to which clients append "/app_logs".
     QString root() const { return m_root; }

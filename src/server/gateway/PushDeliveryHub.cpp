@@ -2,16 +2,8 @@
 
 #include "PushGatewayStore.h"
 
-#include <QHttpServerResponder>
-#include <QTcpSocket>
-
 namespace {
-const QByteArray kStreamHead = QByteArrayLiteral(
-    "HTTP/1.1 200 OK\r\n"
-    "Content-Type: text/event-stream\r\n"
-    "Cache-Control: no-cache\r\n"
-    "Connection: close\r\n"
-    "\r\n");
+const QByteArray kEventStream = QByteArrayLiteral("text/event-stream");
 const QByteArray kHeartbeat = QByteArrayLiteral(":\n\n");
 } // namespace
 
@@ -22,14 +14,6 @@ PushDeliveryHub::PushDeliveryHub(PushGatewayStore &store, QObject *parent)
     m_heartbeat.setInterval(kHeartbeatMs);
     connect(&m_heartbeat, &QTimer::timeout, this, &PushDeliveryHub::heartbeat);
     m_heartbeat.start();
-}
-
-PushDeliveryHub::~PushDeliveryHub()
-{
-    for (const Stream &stream : std::as_const(m_streams)) {
-        if (stream.socket)
-            stream.socket->disconnectFromHost();
-    }
 }
 
 qint64 PushDeliveryHub::resumeAfter(const QByteArray &lastEventId) const
@@ -55,14 +39,10 @@ QByteArray PushDeliveryHub::missedEvents(const QString &token, qint64 afterId) c
     return text;
 }
 
-void PushDeliveryHub::openStream(const QString &token, qint64 afterId, QHttpServerResponder &&responder)
+void PushDeliveryHub::openStream(const QString &token, qint64 afterId, const HttpResponder &responder)
 {
-    QTcpSocket *socket = responder.socket();
-    if (!socket)
-        return;
-    socket->write(kStreamHead + missedEvents(token, afterId));
-    m_streams.append({token, socket, std::make_shared<QHttpServerResponder>(std::move(responder))});
-    connect(socket, &QTcpSocket::disconnected, this, &PushDeliveryHub::dropClosed, Qt::QueuedConnection);
+    responder.openStream(kEventStream, missedEvents(token, afterId));
+    m_streams.append({token, responder});
 }
 
 void PushDeliveryHub::deliver(const QString &token, qint64 id, const QByteArray &userInfo)
@@ -70,14 +50,14 @@ void PushDeliveryHub::deliver(const QString &token, qint64 id, const QByteArray 
     dropClosed();
     for (const Stream &stream : std::as_const(m_streams)) {
         if (stream.token == token)
-            stream.socket->write(eventText(id, userInfo));
+            stream.connection.write(eventText(id, userInfo));
     }
 }
 
 void PushDeliveryHub::dropClosed()
 {
     m_streams.removeIf([](const Stream &stream) {
-        return !stream.socket || stream.socket->state() != QAbstractSocket::ConnectedState;
+        return !stream.connection.isOpen();
     });
 }
 
@@ -85,5 +65,5 @@ void PushDeliveryHub::heartbeat()
 {
     dropClosed();
     for (const Stream &stream : std::as_const(m_streams))
-        stream.socket->write(kHeartbeat);
+        stream.connection.write(kHeartbeat);
 }

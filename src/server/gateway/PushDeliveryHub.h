@@ -4,18 +4,15 @@
 // server-sent events "id: EPOCH:N" / "data: <user info>". A comment line every 15 s keeps
 // idle streams alive and lets the client notice a dead line. Main thread.
 
+#include "HttpResponder.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QTimer>
 
-#include <memory>
-
 class PushGatewayStore;
-class QHttpServerResponder;
-class QTcpSocket;
 
 class PushDeliveryHub : public QObject
 {
@@ -24,7 +21,6 @@ public:
     static constexpr int kHeartbeatMs = 15'000;
 
     explicit PushDeliveryHub(PushGatewayStore &store, QObject *parent = nullptr);
-    ~PushDeliveryHub() override;
 
     // The message number to resume after, from a Last-Event-ID of this gateway ("EPOCH:N");
     // 0 for none or another database's.
@@ -33,15 +29,14 @@ public:
     QByteArray missedEvents(const QString &token, qint64 afterId) const;
 
     // Keeps the responder's connection as the device's stream, first sending what it missed.
-    void openStream(const QString &token, qint64 afterId, QHttpServerResponder &&responder);
+    void openStream(const QString &token, qint64 afterId, const HttpResponder &responder);
     void deliver(const QString &token, qint64 id, const QByteArray &userInfo);
 
 private:
     struct Stream
     {
         QString token;
-        QPointer<QTcpSocket> socket;
-        std::shared_ptr<QHttpServerResponder> responder;  // kept so the connection stays ours
+        HttpResponder connection;
     };
 
     QByteArray eventText(qint64 id, const QByteArray &userInfo) const;

@@ -2,27 +2,21 @@
 
 #include "ServerLog.h"
 
+#include "HttpRequest.h"
+#include "HttpResponder.h"
+
 #include <QDateTime>
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
 #include <QJsonDocument>
 
 namespace {
 
 const QString kEventsPath = QStringLiteral("/events");
+const QByteArray kEventStream = QByteArrayLiteral("text/event-stream");
 
-void answer(QHttpServerResponder &responder, const GatewayReply &reply)
+void answer(const HttpResponder &responder, const GatewayReply &reply)
 {
-    responder.write(QJsonDocument(reply.body).toJson(QJsonDocument::Compact),
-                    {{"Content-Type", "application/json"}},
-                    static_cast<QHttpServerResponder::StatusCode>(reply.status));
-}
-
-QByteArray methodOf(const QHttpServerRequest &request)
-{
-    return request.method() == QHttpServerRequest::Method::Post  ? QByteArrayLiteral("POST")
-           : request.method() == QHttpServerRequest::Method::Get ? QByteArrayLiteral("GET")
-                                                                  : QByteArrayLiteral("OTHER");
+    responder.respond({reply.status, QByteArrayLiteral("application/json"),
+                       QJsonDocument(reply.body).toJson(QJsonDocument::Compact), {}});
 }
 
 void logLine(const QByteArray &method, const QString &path, int status, const QString &note)
@@ -44,25 +38,25 @@ PushGateway::PushGateway(ForumDatabase &database, Options options)
 {
 }
 
-bool PushGateway::take(const QHttpServerRequest &request, QHttpServerResponder &responder)
+bool PushGateway::take(const HttpRequest &request, const HttpResponder &responder)
 {
-    const QString path = request.url().path();
+    const QString path = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path));
     const QString root = QLatin1String(kRoot);
     if (path != root && !path.startsWith(root + QLatin1Char('/')))
         return false;
     const QString below = path.mid(root.size());
-    const QByteArray method = methodOf(request);
+    const QByteArray &method = request.method;
     if (below == kEventsPath) {
         events(request, responder);
         return true;
     }
     GatewayReply reply;
-    if (request.body().size() > m_maxBodyBytes) {
+    if (request.body.size() > m_maxBodyBytes) {
         reply = {413, QJsonObject{{QStringLiteral("errors"), QStringLiteral("body too large")}},
                  QStringLiteral("body too large")};
     } else {
         try {
-            reply = m_router.handle(method, below, request.value("Authorization"), request.body());
+            reply = m_router.handle(method, below, request.header("Authorization"), request.body);
         } catch (const StoreError &error) {
             reply = {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}},
                      QString::fromStdString(error.what())};
@@ -73,13 +67,13 @@ bool PushGateway::take(const QHttpServerRequest &request, QHttpServerResponder &
     return true;
 }
 
-void PushGateway::events(const QHttpServerRequest &request, QHttpServerResponder &responder)
+void PushGateway::events(const HttpRequest &request, const HttpResponder &responder)
 {
-    const QString path = request.url().path();
-    const QString token = QString::fromLatin1(PushGatewayRouter::bearer(request.value("Authorization"))).toLower();
-    if (methodOf(request) != "GET") {
+    const QString path = QString::fromUtf8(request.path);
+    const QString token = QString::fromLatin1(PushGatewayRouter::bearer(request.header("Authorization"))).toLower();
+    if (request.method != "GET") {
         answer(responder, {405, QJsonObject{{QStringLiteral("errors"), QStringLiteral("use GET")}}, {}});
-        logLine(methodOf(request), path, 405, QString());
+        logLine(request.method, path, 405, QString());
         return;
     }
     if (!PushGatewayRequest::isWellFormedToken(token) || PushGatewayRequest::isNoToken(token)) {
@@ -88,12 +82,12 @@ void PushGateway::events(const QHttpServerRequest &request, QHttpServerResponder
         return;
     }
     try {
-        const qint64 after = m_hub.resumeAfter(request.value("Last-Event-ID"));
-        if (request.url().query() == QLatin1String("once=1")) {
-            responder.write(m_hub.missedEvents(token, after), {{"Content-Type", "text/event-stream"}});
+        const qint64 after = m_hub.resumeAfter(request.header("Last-Event-ID"));
+        if (request.query == "once=1") {
+            responder.respond({200, kEventStream, m_hub.missedEvents(token, after), {}});
         } else {
             m_store.recordStreamDevice(token);
-            m_hub.openStream(token, after, std::move(responder));
+            m_hub.openStream(token, after, responder);
         }
         logLine("GET", path, 200, QStringLiteral("after %1").arg(after));
     } catch (const StoreError &error) {

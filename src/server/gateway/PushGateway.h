@@ -9,8 +9,8 @@
 #include "PushGatewayStore.h"
 
 class ForumDatabase;
-class QHttpServerRequest;
-class QHttpServerResponder;
+class HttpResponder;
+struct HttpRequest;
 
 class PushGateway
 {
@@ -27,13 +27,13 @@ public:
     PushGateway(ForumDatabase &database, Options options);
 
     // True when the request was the gateway's: answered, or kept as a stream.
-    bool take(const QHttpServerRequest &request, QHttpServerResponder &responder);
+    bool take(const HttpRequest &request, const HttpResponder &responder);
 
     PushGatewayStore &store() { return m_store; }
     PushDeliveryHub &hub() { return m_hub; }
 
 private:
-    void events(const QHttpServerRequest &request, QHttpServerResponder &responder);
+    void events(const HttpRequest &request, const HttpResponder &responder);
 
     PushGatewayStore m_store;
     PushDeliveryHub m_hub;
