@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  qt6-base-dev qt6-httpserver-dev qt6-websockets-dev libqt6sql6-sqlite libqt6sql6-psql
+  qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql
   libssl-dev openssl zlib1g-dev libsqlite3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   qt6-webengine-dev qt6-base-private-dev qt6-svg-dev

@@ -116,7 +116,25 @@ std::optional<ServerReply> ForumRouter::cachedReply(const ServerRequest &request
 {
     // Only what handle() would answer from the cache: no size failure, a reading endpoint
     // asked the right way, and a Host of its own (the fallback origin is the store thread's).
-    if (sizeFailure(request) || !usableHost(request.host) || request.method != "GET")
+    if (request.method != "GET" || sizeFailure(request))
+        return std::nullopt;
+    const QByteArray rawKey = RequestKeyMemo::rawKey(request.path, request.rawQuery, request.host);
+    std::optional<QByteArray> key = m_keyMemo.find(rawKey);
+    if (!key) {
+        key = readingKey(request);
+        if (!key)
+            return std::nullopt;
+        m_keyMemo.remember(rawKey, *key);
+    }
+    const std::optional<QByteArray> body = m_cache.find(*key);
+    if (!body)
+        return std::nullopt;
+    return ServerReply{200, kJson, *body, QByteArray(), QStringLiteral("cached")};
+}
+
+std::optional<QByteArray> ForumRouter::readingKey(const ServerRequest &request) const
+{
+    if (!usableHost(request.host))
         return std::nullopt;
     const QString path = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path));
     if (!path.startsWith(kApiPrefix))
@@ -131,10 +149,7 @@ std::optional<ServerReply> ForumRouter::cachedReply(const ServerRequest &request
         BrowseQueryRead::read(*endpoint->reads, read.payload, originOf(request), ServerOptions::kMaxPageSize);
     if (!query.query)
         return std::nullopt;
-    const std::optional<QByteArray> body = m_cache.find(query.query->cacheKey());
-    if (!body)
-        return std::nullopt;
-    return ServerReply{200, kJson, *body, QByteArray(), QStringLiteral("cached")};
+    return query.query->cacheKey();
 }
 
 ForumRouter::PayloadRead ForumRouter::payloadOf(const ServerRequest &request, PayloadUse use)

@@ -9,6 +9,7 @@
 #include "BrowseEndpoints.h"
 #include "ImageFactory.h"
 #include "PostEndpoints.h"
+#include "RequestKeyMemo.h"
 #include "ServerOptions.h"
 
 #include <QByteArray>
@@ -73,6 +74,8 @@ private:
 
     static PayloadRead payloadOf(const ServerRequest &request, PayloadUse use);
     std::optional<ServerReply> sizeFailure(const ServerRequest &request) const;
+    // The cache key of a well-formed reading request with a Host of its own.
+    std::optional<QByteArray> readingKey(const ServerRequest &request) const;
     ServerReply api(const ServerRequest &request, const QString &name, const QString &origin);
     ServerReply browse(BrowseQuery::Kind kind, const std::optional<QJsonObject> &payload, const QString &origin);
     ServerReply picture(const QString &path);
@@ -80,6 +83,7 @@ private:
 
     ForumStore &m_store;
     AnswerCache m_cache;
+    mutable RequestKeyMemo m_keyMemo;
     int m_changeListener = 0;
     BrowseEndpoints m_browse;
     PostEndpoints m_post;

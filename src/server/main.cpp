@@ -63,7 +63,7 @@ int main(int argc, char **argv)
         serverLog(QStringLiteral("cannot read the push secret: %1").arg(QString::fromStdString(failure.what())));
         return 1;
     }
-    PushGateway gateway(*database, {pushSecret, {options.pushLaunchPolicy, 0}, options.maxBodyBytes});
+    PushGateway gateway(*database, {pushSecret, {options.pushLaunchPolicy, 0}});
     ForumHttpServer server(router, options.httpLimits());
     server.setRequestTaker([&gateway](const HttpRequest &request, const HttpResponder &responder) {
         return gateway.take(request, responder);

@@ -79,6 +79,8 @@ public:
     QString errorString() const { return m_error; }
 
     quint16 port() const { return m_port; }
+    // The server process's id, for reading its figures under /proc; 0 when it does not run.
+    qint64 pid() const { return m_process ? m_process->processId() : 0; }
     QString origin() const;   // "http://127.0.0.1:PORT"
     // The analytics collector's root ("http://127.0.0.1:PORT"); empty when it did not start.
     QString analyticsRoot() const { return m_analyticsRoot; }

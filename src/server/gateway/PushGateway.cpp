@@ -34,7 +34,6 @@ PushGateway::PushGateway(ForumDatabase &database, Options options)
     , m_hub(m_store)
     , m_router(m_store, options.secret, options.policies, [] { return QDateTime::currentSecsSinceEpoch(); },
                [this](const QString &token, qint64 id, const QByteArray &userInfo) { m_hub.deliver(token, id, userInfo); })
-    , m_maxBodyBytes(options.maxBodyBytes)
 {
 }
 
@@ -50,17 +49,13 @@ bool PushGateway::take(const HttpRequest &request, const HttpResponder &responde
         events(request, responder);
         return true;
     }
+    // Bodies over the server's limit never get here: the HTTP layer refuses them as they come.
     GatewayReply reply;
-    if (request.body.size() > m_maxBodyBytes) {
-        reply = {413, QJsonObject{{QStringLiteral("errors"), QStringLiteral("body too large")}},
-                 QStringLiteral("body too large")};
-    } else {
-        try {
-            reply = m_router.handle(method, below, request.header("Authorization"), request.body);
-        } catch (const StoreError &error) {
-            reply = {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}},
-                     QString::fromStdString(error.what())};
-        }
+    try {
+        reply = m_router.handle(method, below, request.header("Authorization"), request.body);
+    } catch (const StoreError &error) {
+        reply = {500, QJsonObject{{QStringLiteral("errors"), QStringLiteral("storage failure")}},
+                 QString::fromStdString(error.what())};
     }
     answer(responder, reply);
     logLine(method, path, reply.status, reply.note);

@@ -21,7 +21,6 @@ public:
     {
         QByteArray secret;
         PushGatewayRouter::Policies policies;
-        int maxBodyBytes = 64 * 1024;
     };
 
     PushGateway(ForumDatabase &database, Options options);
@@ -38,5 +37,4 @@ private:
     PushGatewayStore m_store;
     PushDeliveryHub m_hub;
     PushGatewayRouter m_router;
-    int m_maxBodyBytes;
 };

@@ -43,6 +43,8 @@ HttpConnection::HttpConnection(tcp::socket socket, std::shared_ptr<HttpServerSha
     : m_stream(std::move(socket))
     , m_shared(std::move(shared))
     , m_peerAddress(addressOf(m_stream.socket()))
+    // A header never needs more, and a body passes through a read at a time.
+    , m_buffer(std::size_t(m_shared->limits.maxHeaderBytes) + kReadChunk)
     , m_answerTimer(m_stream.get_executor())
 {
     // Answers are small and written whole: waiting to fill a segment only adds latency.
@@ -155,13 +157,14 @@ void HttpConnection::dispatch()
     // The read deadline is over; the handler has its own.
     m_stream.expires_never();
     m_awaitingAnswer = true;
+    ++m_exchange;
     m_answerTimer.expires_after(kAnswerTimeout);
     m_answerTimer.async_wait([self = shared_from_this()](error_code error) { self->onAnswerTimeout(error); });
     try {
-        m_shared->handler(std::move(request), HttpResponder(weak_from_this()));
+        m_shared->handler(std::move(request), HttpResponder(weak_from_this(), m_exchange));
     } catch (const std::exception &failure) {
         m_shared->log(QStringLiteral("request handler failed: %1").arg(QString::fromLocal8Bit(failure.what())));
-        deliverAnswer({500, kJson, R"({"error":"server_error","message":"internal failure"})", {}});
+        deliverAnswer(m_exchange, {500, kJson, R"({"error":"server_error","message":"internal failure"})", {}});
     }
 }
 
@@ -177,16 +180,16 @@ void HttpConnection::onAnswerTimeout(error_code error)
     writeResponse({503, kJson, R"({"error":"unavailable","message":"no answer in time"})", {}}, false);
 }
 
-void HttpConnection::respond(HttpResponse response)
+void HttpConnection::respond(quint64 exchange, HttpResponse response)
 {
-    net::dispatch(m_stream.get_executor(), [self = shared_from_this(), response = std::move(response)]() mutable {
-        self->deliverAnswer(std::move(response));
+    net::dispatch(m_stream.get_executor(), [self = shared_from_this(), exchange, response = std::move(response)]() mutable {
+        self->deliverAnswer(exchange, std::move(response));
     });
 }
 
-void HttpConnection::deliverAnswer(HttpResponse response)
+void HttpConnection::deliverAnswer(quint64 exchange, HttpResponse response)
 {
-    if (!m_awaitingAnswer || !m_open)
+    if (!m_awaitingAnswer || exchange != m_exchange || !m_open)
         return;
     m_awaitingAnswer = false;
     m_answerTimer.cancel();
@@ -259,17 +262,17 @@ void HttpConnection::close()
     m_stream.close();
 }
 
-void HttpConnection::openStream(QByteArray contentType, QByteArray first)
+void HttpConnection::openStream(quint64 exchange, QByteArray contentType, QByteArray first)
 {
-    net::dispatch(m_stream.get_executor(),
-                  [self = shared_from_this(), contentType = std::move(contentType), first = std::move(first)]() mutable {
-                      self->startStream(std::move(contentType), std::move(first));
-                  });
+    net::dispatch(m_stream.get_executor(), [self = shared_from_this(), exchange, contentType = std::move(contentType),
+                                            first = std::move(first)]() mutable {
+        self->startStream(exchange, std::move(contentType), std::move(first));
+    });
 }
 
-void HttpConnection::startStream(QByteArray contentType, QByteArray first)
+void HttpConnection::startStream(quint64 exchange, QByteArray contentType, QByteArray first)
 {
-    if (!m_awaitingAnswer || !m_open)
+    if (!m_awaitingAnswer || exchange != m_exchange || !m_open)
         return;
     m_awaitingAnswer = false;
     m_answerTimer.cancel();

@@ -43,9 +43,9 @@ public:
 
     void start();
 
-    // Any thread.
-    void respond(HttpResponse response);
-    void openStream(QByteArray contentType, QByteArray first);
+    // Any thread. An answer or stream for another than the current exchange is dropped.
+    void respond(quint64 exchange, HttpResponse response);
+    void openStream(quint64 exchange, QByteArray contentType, QByteArray first);
     void writeToStream(QByteArray bytes);
     bool isOpen() const { return m_open.load(); }
 
@@ -61,14 +61,14 @@ private:
     void dispatch();
     void onAnswerTimeout(boost::system::error_code error);
 
-    void deliverAnswer(HttpResponse response);
+    void deliverAnswer(quint64 exchange, HttpResponse response);
     void writeResponse(HttpResponse response, bool linger);
     void onWritten(boost::system::error_code error, bool linger);
     void linger();
     void drainLingering();
     void close();
 
-    void startStream(QByteArray contentType, QByteArray first);
+    void startStream(quint64 exchange, QByteArray contentType, QByteArray first);
     void queueStreamBytes(QByteArray bytes);
     void writeStreamQueue();
     void awaitStreamClose();
@@ -80,6 +80,7 @@ private:
     std::optional<HttpRequestReading::Parser> m_parser;
     boost::asio::steady_timer m_answerTimer;
     bool m_awaitingAnswer = false;
+    quint64 m_exchange = 0;  // numbers the requests handed to the handler
     bool m_keepAlive = false;
     unsigned m_version = 11;
     // The answer being written, and the bytes its body points into.

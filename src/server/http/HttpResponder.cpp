@@ -2,21 +2,22 @@
 
 #include "HttpConnection.h"
 
-HttpResponder::HttpResponder(std::weak_ptr<HttpConnection> connection)
+HttpResponder::HttpResponder(std::weak_ptr<HttpConnection> connection, quint64 exchange)
     : m_connection(std::move(connection))
+    , m_exchange(exchange)
 {
 }
 
 void HttpResponder::respond(HttpResponse response) const
 {
     if (const std::shared_ptr<HttpConnection> connection = m_connection.lock())
-        connection->respond(std::move(response));
+        connection->respond(m_exchange, std::move(response));
 }
 
 void HttpResponder::openStream(const QByteArray &contentType, const QByteArray &first) const
 {
     if (const std::shared_ptr<HttpConnection> connection = m_connection.lock())
-        connection->openStream(contentType, first);
+        connection->openStream(m_exchange, contentType, first);
 }
 
 void HttpResponder::write(const QByteArray &bytes) const

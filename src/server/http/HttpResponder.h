@@ -1,7 +1,7 @@
 #pragma once
 // The way back to the client of one request, handed to the request handler with it. Any
 // thread may answer, once; later answers do nothing, and so does an answer to a client that
-// has gone. Instead of answering, a handler may keep the connection as an open stream and
+// has gone or has moved on to its next request. Instead of answering, a handler may keep the connection as an open stream and
 // write to it as long as the client stays. Holds the connection weakly: copies kept after
 // the server stopped are harmless.
 
@@ -15,7 +15,8 @@ class HttpResponder
 {
 public:
     HttpResponder() = default;
-    explicit HttpResponder(std::weak_ptr<HttpConnection> connection);
+    // `exchange` numbers the request on its connection.
+    HttpResponder(std::weak_ptr<HttpConnection> connection, quint64 exchange);
 
     void respond(HttpResponse response) const;
 
@@ -28,4 +29,5 @@ public:
 
 private:
     std::weak_ptr<HttpConnection> m_connection;
+    quint64 m_exchange = 0;
 };
