@@ -127,6 +127,12 @@ run_case() {
       return 1
     fi
     printf '%s' "${got#* }" >"$answer.type"
+    for ((i = 1; i < processes; i++)); do
+      if ! curl -sS "$(url_of "$endpoint" "${roots[i]}")" | cmp -s - "$answer.body"; then
+        echo "$label: server processes answer $endpoint differently; nginx cannot stand in for all" >&2
+        return 1
+      fi
+    done
   done
   nginx_start "$folder/nginx" "$folder/answers"
 
@@ -155,4 +161,3 @@ local_pg_create_database "$DATABASE"
 run_case postgresql 2 "$(local_pg_url "$DATABASE")"
 
 "$here/print-table.sh" "$TARGET_RATIO" "$TARGET_P99_MS" "${rows[@]}"
-echo "load average after the run: $(cut -d ' ' -f 1-3 /proc/loadavg)"
