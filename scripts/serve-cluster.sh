@@ -65,6 +65,9 @@ done
 echo
 echo "Every one serves the same forum; for example:"
 echo "  $build/src/tools/cli/quorvel-cli --api-root $FORUM_SERVER_ROOT topics 1"
+origin=${FORUM_SERVER_ROOT%/api/}
+echo "  $build/src/app/quorvel --api-root $FORUM_SERVER_ROOT --push-url $origin/push \\"
+echo "      --analytics-url http://127.0.0.1:$((base_port + ANALYTICS_PORT_OFFSET + count - 1))"
 echo "Ctrl-C stops them all."
 status=0
 wait -n "${FORUM_SERVER_PIDS[@]}" || status=$?
