@@ -198,17 +198,20 @@ void HttpConnection::dispatch()
     HttpRequest request = HttpRequestReading::takeRequest(*m_parser, m_peerAddress);
     m_parser.reset();
     releaseBodyBytes();
-    // The read deadline is over; the handler has its own.
-    m_stream.expires_never();
     m_awaitingAnswer = true;
     ++m_exchange;
-    m_answerTimer.expires_after(kAnswerTimeout);
-    m_answerTimer.async_wait([self = shared_from_this()](error_code error) { self->onAnswerTimeout(error); });
     try {
         m_shared->handler(std::move(request), HttpResponder(weak_from_this(), m_exchange));
     } catch (const std::exception &failure) {
         m_shared->log(QStringLiteral("request handler failed: %1").arg(QString::fromLocal8Bit(failure.what())));
         deliverAnswer(m_exchange, {500, kJson, R"({"error":"server_error","message":"internal failure"})", {}});
+    }
+    // A handler that answered at once (from the cache) needs no deadline. Answers from other
+    // threads reach this strand only after this returns, so the timer is set before them; its
+    // wait also keeps the connection alive until the answer comes.
+    if (m_awaitingAnswer) {
+        m_answerTimer.expires_after(kAnswerTimeout);
+        m_answerTimer.async_wait([self = shared_from_this()](error_code error) { self->onAnswerTimeout(error); });
     }
 }
 

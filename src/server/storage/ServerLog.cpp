@@ -1,6 +1,8 @@
 #include "ServerLog.h"
 
-#include <cstdio>
+#include <unistd.h>
+
+#include <cerrno>
 
 namespace {
 
@@ -24,9 +26,18 @@ QByteArray printable(const QString &line)
 
 void writeServerLogLine(const char *prefix, const QString &line)
 {
-    const QByteArray bytes = printable(line);
-    std::fprintf(stderr, "%s%s\n", prefix, bytes.constData());
-    std::fflush(stderr);
+    // One write of the whole record: threads logging at once neither wait on stdio's lock
+    // nor interleave their lines.
+    const QByteArray record = prefix + printable(line) + '\n';
+    qsizetype written = 0;
+    while (written < record.size()) {
+        const ssize_t sent = ::write(STDERR_FILENO, record.constData() + written, size_t(record.size() - written));
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return;
+        written += sent;
+    }
 }
 
 void serverLog(const QString &line)
