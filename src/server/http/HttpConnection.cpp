@@ -207,7 +207,7 @@ void HttpConnection::dispatch()
         deliverAnswer(m_exchange, {500, kJson, R"({"error":"server_error","message":"internal failure"})", {}});
     }
     // A handler that answered at once (from the cache) needs no deadline. Answers from other
-    // threads reach this strand only after this returns, so the timer is set before them; its
+    // threads reach this connection's thread only after this returns, so the timer is set before them; its
     // wait also keeps the connection alive until the answer comes.
     if (m_awaitingAnswer) {
         m_answerTimer.expires_after(kAnswerTimeout);

@@ -4,7 +4,7 @@
 // waits for the next one while the client keeps the connection alive. A refused request is
 // answered and the connection closed after draining a little of what the client still
 // sends, so the client reads the answer rather than a reset. Its work runs on its own
-// strand of the server's pool; respond() and the stream calls may come from any thread.
+// thread of the server's pool; respond() and the stream calls may come from any thread.
 
 #include "HttpRequestReading.h"
 #include "HttpResponse.h"

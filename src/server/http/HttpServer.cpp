@@ -5,7 +5,6 @@
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/strand.hpp>
 
 #include <sys/resource.h>
 
@@ -24,33 +23,46 @@ constexpr std::chrono::milliseconds kAcceptPause{100};
 constexpr qint64 kAcceptFailureLogMs = 60'000;
 // Files the process needs besides its client sockets (database, logs, pictures, listeners).
 constexpr rlim_t kSpareFiles = 256;
+constexpr int kOneThread = 1;  // the concurrency hint of a loop run by one thread
 } // namespace
 
 struct HttpServer::Impl
 {
     explicit Impl(std::shared_ptr<HttpServerShared> sharedState)
-        : shared(std::move(sharedState))
+        : contexts(firstContext())
+        , shared(std::move(sharedState))
     {
+    }
+
+    // The loop the acceptor lives on; start() adds one per further thread.
+    static std::vector<std::unique_ptr<net::io_context>> firstContext()
+    {
+        std::vector<std::unique_ptr<net::io_context>> first;
+        first.push_back(std::make_unique<net::io_context>(kOneThread));
+        return first;
     }
 
     void accept();
     void onAccept(error_code error, tcp::socket socket);
 
-    // Declared first so it goes last: destroying it destroys the connections it still holds.
-    net::io_context context;
+    // One event loop per thread, each serving the connections it was given whole: no lock is
+    // shared between threads on the way from a socket to its answer. Declared first so they go
+    // last: destroying one destroys the connections it still holds.
+    std::vector<std::unique_ptr<net::io_context>> contexts;
     std::shared_ptr<HttpServerShared> shared;
-    tcp::acceptor acceptor{net::make_strand(context)};
-    net::steady_timer acceptPause{acceptor.get_executor()};
+    tcp::acceptor acceptor{*contexts.front()};
+    net::steady_timer acceptPause{*contexts.front()};
+    std::size_t nextContext = 0;
     std::optional<qint64> lastAcceptFailureLog;
-    std::optional<net::executor_work_guard<net::io_context::executor_type>> work;
+    std::vector<net::executor_work_guard<net::io_context::executor_type>> work;
     std::vector<std::thread> threads;
 };
 
 void HttpServer::Impl::accept()
 {
-    acceptor.async_accept(net::make_strand(context), [this](error_code error, tcp::socket socket) {
-        onAccept(error, std::move(socket));
-    });
+    // Connections are dealt out to the loops in turn.
+    net::io_context &context = *contexts[nextContext++ % contexts.size()];
+    acceptor.async_accept(context, [this](error_code error, tcp::socket socket) { onAccept(error, std::move(socket)); });
 }
 
 void HttpServer::Impl::onAccept(error_code error, tcp::socket socket)
@@ -121,13 +133,15 @@ void HttpServer::start(int threads)
 {
     if (!m_impl->threads.empty() || !m_impl->acceptor.is_open())
         return;
-    m_impl->work.emplace(m_impl->context.get_executor());
+    while (int(m_impl->contexts.size()) < threads)
+        m_impl->contexts.push_back(std::make_unique<net::io_context>(kOneThread));
     m_impl->accept();
-    for (int i = 0; i < std::max(1, threads); ++i) {
-        m_impl->threads.emplace_back([impl = m_impl.get()] {
+    for (const std::unique_ptr<net::io_context> &context : m_impl->contexts) {
+        m_impl->work.emplace_back(context->get_executor());
+        m_impl->threads.emplace_back([impl = m_impl.get(), context = context.get()] {
             for (;;) {
                 try {
-                    impl->context.run();
+                    context->run();
                     return;
                 } catch (const std::exception &failure) {
                     impl->shared->log(QStringLiteral("HTTP thread: %1").arg(QString::fromLocal8Bit(failure.what())));
@@ -139,8 +153,9 @@ void HttpServer::start(int threads)
 
 void HttpServer::stop()
 {
-    m_impl->work.reset();
-    m_impl->context.stop();
+    m_impl->work.clear();
+    for (const std::unique_ptr<net::io_context> &context : m_impl->contexts)
+        context->stop();
     for (std::thread &thread : m_impl->threads)
         thread.join();
     m_impl->threads.clear();
