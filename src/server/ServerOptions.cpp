@@ -36,8 +36,7 @@ constexpr int kMaxTimeoutSeconds = 3600;
 
 HttpLimits ServerOptions::httpLimits() const
 {
-    HttpLimits limits;
-    limits.maxBodyBytes = maxBodyBytes;
+    HttpLimits limits = HttpLimits().withMaxBody(maxBodyBytes);
     limits.maxHeaderBytes = maxHeaderBytes;
     limits.readTimeout = std::chrono::seconds(readTimeoutSeconds);
     limits.idleTimeout = std::chrono::seconds(idleTimeoutSeconds);

@@ -4,6 +4,7 @@
 // served. Refusals are logged once per address and minute; keep-alive still answers several
 // requests on one connection.
 #include "AnswerEnvelope.h"
+#include "BodyBudget.h"
 #include "EventLoop.h"
 #include "HttpLimits.h"
 #include "LocalForumServer.h"
@@ -43,6 +44,7 @@ constexpr int kSmallMaxBodyBytes = 2048;  // --max-body for the boundary test
 constexpr int kIdleConnections = 1000;
 // Each stalled client's head stops this short of the default --max-header, without its end.
 constexpr qsizetype kStalledHeadMargin = 512;
+constexpr quint8 kOtherClientHost = 2;  // 127.0.0.2: a client besides the hostile one
 constexpr int kStalledSettleMs = 1000;  // for the server to read what the stalled clients sent
 constexpr int kSpareDescriptors = 100;  // for the server's own files beside the idle connections
 constexpr int kMaxConnections = 10;
@@ -388,9 +390,9 @@ TEST_F(HostileClients, AThousandStalledHeadsUnderTheLimitStayUnderTheCeiling)
     EXPECT_EQ(countClosed(stalled), 0);
 }
 
-// A thousand clients that each declare a body of the largest size, send all but its last
-// byte and stall: the server holds only so many bodies at once and turns the rest away
-// (503), so its memory stays under the ceiling while others are served.
+// A thousand connections of one client that each declare a body of the largest size, send
+// all but its last byte and stall: the server holds only that client's share of bodies and
+// turns the rest away (503), so its memory stays under the ceiling and other clients post.
 TEST_F(HostileClients, AThousandStalledBodiesOfTheLimitStayUnderTheCeiling)
 {
     ASSERT_GE(openFileLimit, rlim_t(kIdleConnections + kSpareDescriptors));
@@ -413,9 +415,17 @@ TEST_F(HostileClients, AThousandStalledBodiesOfTheLimitStayUnderTheCeiling)
         const std::optional<RawAnswer> answer = connection->readAnswer(0);
         return answer && answer->status == 503;
     });
-    // Room for exactly this many bodies of the limit; every other one is turned away.
-    const qint64 held = HttpLimits::kDefaultMaxBodyBytesInFlight / HttpLimits::kDefaultMaxBodyBytes;
+    // One client gets an eighth of the room: exactly this many bodies of the limit.
+    const qint64 held = HttpLimits::kDefaultMaxBodyBytesInFlight / BodyBudget::kAddressShareDivisor
+        / HttpLimits::kDefaultMaxBodyBytes;
     EXPECT_EQ(busy, kIdleConnections - held) << loopbackRefusals(server->log()).join('\n').toStdString();
+
+    // Another client still posts: its request reaches the forum (which finds no payload).
+    RawHttpConnection other(port, kOtherClientHost);
+    ASSERT_TRUE(other.write(request(port, kPostLine, contentLength(2)) + "=x", kAnswerTimeoutMs));
+    const std::optional<RawAnswer> posted = other.readAnswer(kAnswerTimeoutMs);
+    ASSERT_TRUE(posted);
+    EXPECT_EQ(posted->status, 400);
 }
 
 // With --idle-timeout 2 the server closes idle connections itself, a connection kept alive

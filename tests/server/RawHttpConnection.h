@@ -66,15 +66,22 @@ inline std::optional<RawAnswer> parseRawAnswer(const QByteArray &bytes, bool pee
 class RawHttpConnection
 {
 public:
+    static constexpr quint32 kLoopbackNetwork = 0x7f000000;  // 127.0.0.0
+
     // Connects to 127.0.0.1:`port`; isConnected() tells whether it did.
-    explicit RawHttpConnection(quint16 port)
+    // `sourceHost` (127.0.0.N) lets one test play clients of different addresses.
+    explicit RawHttpConnection(quint16 port, quint8 sourceHost = 1)
     {
         m_fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in source{};
+        source.sin_family = AF_INET;
+        source.sin_addr.s_addr = htonl(kLoopbackNetwork | sourceHost);
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_port = htons(port);
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        if (m_fd >= 0 && ::connect(m_fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0
+        if (m_fd >= 0 && ::bind(m_fd, reinterpret_cast<const sockaddr *>(&source), sizeof source) == 0
+            && ::connect(m_fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0
             && ::fcntl(m_fd, F_SETFL, O_NONBLOCK) == 0)
             return;
         if (m_fd >= 0)

@@ -5,9 +5,9 @@
 #include "RequestLogLine.h"
 
 namespace {
-HttpLimits collectorLimits(HttpLimits limits)
+HttpLimits collectorLimits(const HttpLimits &serverLimits)
 {
-    limits.maxBodyBytes = CollectorHttpServer::kMaxUploadBytes;
+    HttpLimits limits = serverLimits.withMaxBody(CollectorHttpServer::kMaxUploadBytes);
     limits.maxConnections = CollectorHttpServer::kMaxConnections;
     return limits;
 }

@@ -38,10 +38,10 @@ QByteArray PushDeliveryHub::missedEvents(const QString &token, qint64 afterId) c
     return text;
 }
 
-void PushDeliveryHub::openStream(const QString &token, qint64 afterId, const HttpResponder &responder)
+void PushDeliveryHub::openStream(const QString &token, const QByteArray &missed, const HttpResponder &responder)
 {
     dropClosed();
-    responder.openStream(kContentType, missedEvents(token, afterId));
+    responder.openStream(kContentType, missed);
     m_streams.append({token, responder});
 }
 

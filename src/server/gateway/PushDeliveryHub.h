@@ -29,8 +29,9 @@ public:
     // The device's messages after `afterId` as one event-stream text.
     QByteArray missedEvents(const QString &token, qint64 afterId) const;
 
-    // Keeps the responder's connection as the device's stream, first sending what it missed.
-    void openStream(const QString &token, qint64 afterId, const HttpResponder &responder);
+    // Keeps the responder's connection as the device's stream, first sending `missed` (its
+    // missedEvents()).
+    void openStream(const QString &token, const QByteArray &missed, const HttpResponder &responder);
     void deliver(const QString &token, qint64 id, const QByteArray &userInfo);
 
 private:

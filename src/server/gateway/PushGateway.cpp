@@ -81,8 +81,9 @@ void PushGateway::events(const HttpRequest &request, const HttpResponder &respon
             responder.respond({200, PushDeliveryHub::kContentType, missed, {}});
         } else {
             m_store.recordStreamDevice(token);
+            const QByteArray missed = m_hub.missedEvents(token, after);
             logLine(request, 200, QStringLiteral("after %1").arg(after));
-            m_hub.openStream(token, after, responder);
+            m_hub.openStream(token, missed, responder);
         }
     } catch (const StoreError &error) {
         answer(request, responder,

@@ -105,7 +105,8 @@ void HttpConnection::onHeader(error_code error)
     if (!claimBodyBytes()) {
         refuse(HttpRequestReading::Refusal{
             503, "server_busy",
-            QStringLiteral("bodies under way over %1 bytes in all").arg(m_shared->limits.maxBodyBytesInFlight)});
+            QStringLiteral("no room for another body (%1 bytes in all, an eighth per client)")
+                .arg(m_shared->limits.maxBodyBytesInFlight)});
         return;
     }
     // HTTP/1.0 clients know no interim answers.
@@ -129,17 +130,15 @@ bool HttpConnection::claimBodyBytes()
         return true;
     // A chunked body may take up to the limit; a declared one is held at its length.
     const qint64 claim = qint64(m_parser->content_length().value_or(std::uint64_t(m_shared->limits.maxBodyBytes)));
-    if (m_shared->bodyBytesInFlight.fetch_add(claim) + claim > m_shared->limits.maxBodyBytesInFlight) {
-        m_shared->bodyBytesInFlight.fetch_sub(claim);
+    if (!m_shared->bodies.claim(m_peerAddress, claim))
         return false;
-    }
     m_claimedBodyBytes = claim;
     return true;
 }
 
 void HttpConnection::releaseBodyBytes()
 {
-    m_shared->bodyBytesInFlight.fetch_sub(std::exchange(m_claimedBodyBytes, 0));
+    m_shared->bodies.release(m_peerAddress, std::exchange(m_claimedBodyBytes, 0));
 }
 
 void HttpConnection::readBody()
@@ -174,6 +173,8 @@ void HttpConnection::refuse(const error_code &error)
 
 void HttpConnection::refuse(const HttpRequestReading::Refusal &refusal)
 {
+    // A HEAD refused after its header was read still gets its answer without a body.
+    m_headRequest = m_parser && m_parser->is_header_done() && m_parser->get().method() == http::verb::head;
     m_parser.reset();
     releaseBodyBytes();
     QString what = refusal.what;
@@ -185,7 +186,6 @@ void HttpConnection::refuse(const HttpRequestReading::Refusal &refusal)
         return;
     }
     m_keepAlive = false;
-    m_headRequest = false;
     m_version = 11;
     writeResponse({refusal.status, kJson, HttpRequestReading::refusalBody(refusal), {}}, true);
 }

@@ -5,6 +5,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <chrono>
 
 struct HttpLimits
@@ -18,8 +19,10 @@ struct HttpLimits
     static constexpr int kDefaultIdleTimeoutSeconds = 30;
     static constexpr int kDefaultMaxConnections = 4096;
     // Bodies are read whole before they are handled; this many bytes of them at once, across
-    // all connections, and a further one is turned away (503) rather than held.
+    // the server's connections, and a further one is turned away (503) rather than held.
+    // At least a few of the largest bodies must fit.
     static constexpr qint64 kDefaultMaxBodyBytesInFlight = 16 * 1024 * 1024;
+    static constexpr qint64 kLargestBodiesInFlight = 4;
 
     int maxBodyBytes = kDefaultMaxBodyBytes;      // larger bodies: 413
     int maxHeaderBytes = kDefaultMaxHeaderBytes;  // request line and headers: 431 (414 for the line alone)
@@ -29,4 +32,13 @@ struct HttpLimits
     std::chrono::seconds idleTimeout{kDefaultIdleTimeoutSeconds};
     int maxConnections = kDefaultMaxConnections;  // beyond: closed at once
     qint64 maxBodyBytesInFlight = kDefaultMaxBodyBytesInFlight;
+
+    // These limits with another body limit, and room for at least a few such bodies at once.
+    HttpLimits withMaxBody(int bytes) const
+    {
+        HttpLimits changed = *this;
+        changed.maxBodyBytes = bytes;
+        changed.maxBodyBytesInFlight = std::max(kDefaultMaxBodyBytesInFlight, kLargestBodiesInFlight * bytes);
+        return changed;
+    }
 };

@@ -5,6 +5,7 @@
 
 #include <boost/asio/error.hpp>
 #include <boost/beast/core/error.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/error.hpp>
 
 namespace http = boost::beast::http;
@@ -71,7 +72,11 @@ std::optional<Refusal> refusalFor(const boost::system::error_code &error, const 
 
 std::optional<Refusal> refusalForHeader(const Parser &parser)
 {
-    if (parser.get().count(http::field::transfer_encoding) > 0 && !parser.chunked())
+    // Only plain chunked framing is read: other codings would reach the handler undecoded, and
+    // HTTP/1.0 knows no chunks.
+    const auto &message = parser.get();
+    if (message.count(http::field::transfer_encoding) > 0
+        && (message.version() < 11 || !boost::beast::iequals(message[http::field::transfer_encoding], "chunked")))
         return Refusal{400, "bad_request", QStringLiteral("malformed request (transfer coding not chunked)")};
     return std::nullopt;
 }

@@ -41,8 +41,8 @@ std::optional<Refusal> refusalFor(const boost::system::error_code &error, const 
                                   bool lineEnded);
 
 // A refusal for a header the parser took but the server must not: a transfer coding other
-// than chunked leaves the body's end unknown, and guessing it would let a body pass for a
-// request of its own.
+// than plain chunked leaves the body's end unknown or its bytes undecoded, and guessing
+// would let a body pass for a request of its own.
 std::optional<Refusal> refusalForHeader(const Parser &parser);
 
 // The JSON body of a refusal's answer.

@@ -3,6 +3,7 @@
 // refusal log and the count of open connections. Outlives the server while connections do.
 // Any thread.
 
+#include "BodyBudget.h"
 #include "HttpServer.h"
 #include "RefusalLog.h"
 
@@ -15,6 +16,7 @@ struct HttpServerShared
         , handler(std::move(handler))
         , log(log)
         , refusals(std::move(log))
+        , bodies(limits.maxBodyBytesInFlight)
     {
     }
 
@@ -23,5 +25,5 @@ struct HttpServerShared
     const HttpServer::Log log;
     RefusalLog refusals;
     std::atomic<int> connections{0};
-    std::atomic<qint64> bodyBytesInFlight{0};  // claimed by bodies being read
+    BodyBudget bodies;  // room for the bodies being read
 };

@@ -1,6 +1,7 @@
 // The HTTP layer in-process, over real loopback sockets: what a handler is given, keep-alive
 // and pipelining, answers from other threads, event streams, "100 Continue", the limits and
 // their log lines. Process-level hostile clients are in HostileClientTest.
+#include "BodyBudget.h"
 #include "EventLoop.h"
 #include "HttpServer.h"
 #include "QueuedHandler.h"
@@ -289,11 +290,17 @@ TEST(HttpLayer, NoBodyPassesForARequestAndNoRequestLineIsMistakenForTooLong)
     }, smallLimits());
     // A coding other than chunked leaves the body's end unknown: refused, and the bytes
     // after the head are never read as a request of their own.
-    for (const char *coding : {"gzip", "chunked, identity"}) {
-        SCOPED_TRACE(coding);
+    // Nor are codings the handler would get undecoded, nor chunks in HTTP/1.0, which has none.
+    const struct
+    {
+        const char *version;
+        const char *coding;
+    } framings[] = {{"1.1", "gzip"}, {"1.1", "chunked, identity"}, {"1.1", "gzip, chunked"}, {"1.0", "chunked"}};
+    for (const auto &framing : framings) {
+        SCOPED_TRACE(framing.coding);
         RawHttpConnection client(server.port());
-        ASSERT_TRUE(client.write("POST /p HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: " + QByteArray(coding)
-                                     + "\r\n\r\nGET /smuggled HTTP/1.1\r\nHost: h\r\n\r\n",
+        ASSERT_TRUE(client.write("POST /p HTTP/" + QByteArray(framing.version) + "\r\nHost: h\r\nTransfer-Encoding: "
+                                     + QByteArray(framing.coding) + "\r\n\r\n0\r\n\r\nGET /smuggled HTTP/1.1\r\nHost: h\r\n\r\n",
                                  kWaitMs));
         const std::optional<RawAnswer> answer = client.readAnswer(kWaitMs);
         ASSERT_TRUE(answer);
@@ -337,49 +344,74 @@ TEST(HttpLayer, HeadAnswersCarryTheLengthWithoutTheBodyAndAbsoluteTargetsAreLoca
     EXPECT_TRUE(received.mid(second).endsWith("\r\n\r\n" + getBody));
 }
 
-TEST(HttpLayer, BodiesUnderWayAreBoundedAcrossConnections)
+TEST(HttpLayer, BodiesUnderWayAreBoundedInAllAndPerClient)
 {
     HttpLimits limits = smallLimits();
-    limits.maxBodyBytesInFlight = 250;
-    limits.maxConnections = 10;  // the refused one lingers a while
+    limits.maxBodyBytesInFlight = 250;  // an eighth, 31 bytes, per client beyond its first body
+    limits.maxConnections = 10;         // the refused ones linger a while
     LayerServer server(echo, limits);
-    // Two bodies of 100 declared and stalled hold 200 of the 250; a third is turned away.
-    RawHttpConnection first(server.port());
-    RawHttpConnection second(server.port());
     const QByteArray head = "POST /p HTTP/1.1\r\nHost: h\r\nContent-Length: 100\r\n\r\n";
+    // Two clients' stalled bodies hold 200 of the 250.
+    RawHttpConnection first(server.port(), 1);
+    RawHttpConnection second(server.port(), 2);
     ASSERT_TRUE(first.write(head + "abc", kWaitMs));
     ASSERT_TRUE(second.write(head, kWaitMs));
     ASSERT_TRUE(testsupport::waitUntil([&] { return server.server().connectionCount() == 2; }));
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    RawHttpConnection third(server.port());
-    ASSERT_TRUE(third.write(head, kWaitMs));
-    const std::optional<RawAnswer> busy = third.readAnswer(kWaitMs);
-    ASSERT_TRUE(busy);
-    EXPECT_EQ(busy->status, 503);
-    EXPECT_EQ(busy->body, R"({"error":"server_busy","message":"bodies under way over 250 bytes in all"})");
-    // The first body done, its room is free again.
+    const QByteArray busyBody =
+        R"json({"error":"server_busy","message":"no room for another body (250 bytes in all, an eighth per client)"})json";
+    // The first client's second body is past its share; a third client's is past the total.
+    for (const quint8 host : {quint8(1), quint8(3)}) {
+        SCOPED_TRACE(host);
+        RawHttpConnection refused(server.port(), host);
+        ASSERT_TRUE(refused.write(head, kWaitMs));
+        const std::optional<RawAnswer> busy = refused.readAnswer(kWaitMs);
+        ASSERT_TRUE(busy);
+        EXPECT_EQ(busy->status, 503);
+        EXPECT_EQ(busy->body, busyBody);
+    }
+    // The first body done, its room is free again, for anyone.
     ASSERT_TRUE(first.write(QByteArray(97, 'x'), kWaitMs));
     ASSERT_TRUE(first.readAnswer(kWaitMs));
-    RawHttpConnection fourth(server.port());
-    ASSERT_TRUE(fourth.write(head + QByteArray(100, 'y'), kWaitMs));
-    const std::optional<RawAnswer> served = fourth.readAnswer(kWaitMs);
+    RawHttpConnection third(server.port(), 3);
+    ASSERT_TRUE(third.write(head + QByteArray(100, 'y'), kWaitMs));
+    const std::optional<RawAnswer> served = third.readAnswer(kWaitMs);
     ASSERT_TRUE(served);
     EXPECT_EQ(served->status, 200);
-    EXPECT_TRUE(server.log().contains("refused 127.0.0.1: bodies under way over 250 bytes in all (503)"))
-        << server.log().join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(server.log().contains(
+        "refused 127.0.0.1: no room for another body (250 bytes in all, an eighth per client) (503)"));
 }
 
-TEST(RequestLogLine, JoinsThePartsLiterallyAndCutsLongPaths)
+TEST(BodyBudget, KeepsTheTotalAndEachAddresssShare)
+{
+    BodyBudget budget(800);  // a share of 100
+    EXPECT_TRUE(budget.claim("a", 60));
+    EXPECT_TRUE(budget.claim("a", 40));
+    EXPECT_FALSE(budget.claim("a", 1));
+    // A first body may be larger than a share, as long as the total holds it.
+    EXPECT_TRUE(budget.claim("b", 500));
+    EXPECT_FALSE(budget.claim("c", 201));
+    EXPECT_TRUE(budget.claim("c", 200));
+    budget.release("b", 500);
+    budget.release("a", 40);
+    EXPECT_TRUE(budget.claim("a", 40));
+    EXPECT_FALSE(budget.claim("a", 1));
+    EXPECT_TRUE(budget.claim("d", 500));
+    EXPECT_FALSE(budget.claim("e", 1));
+}
+
+TEST(RequestLogLine, JoinsThePartsLiterallyAndCutsLongMethodsAndPaths)
 {
     HttpRequest request;
     request.method = "GET";
     request.setTarget("/api/%1%20x%0A?data=%2");
     EXPECT_EQ(RequestLogLine::of(request, 404, QStringLiteral("nothing at %1"), 2.25),
               QStringLiteral("GET /api/%1%20x%0A 404 2.3 ms (nothing at %1)"));
+    request.method = QByteArray(100, 'M');
     request.setTarget("/" + QByteArray(300, 'p'));
-    EXPECT_EQ(RequestLogLine::of(request, 200),
-              QStringLiteral("GET /") + QString(RequestLogLine::kMaxPathCharacters - 1, QLatin1Char('p'))
-                  + QStringLiteral("... 200"));
+    EXPECT_EQ(RequestLogLine::of(request, 405),
+              QString(RequestLogLine::kMaxMethodCharacters, QLatin1Char('M')) + QStringLiteral("... /")
+                  + QString(RequestLogLine::kMaxPathCharacters - 1, QLatin1Char('p')) + QStringLiteral("... 405"));
 }
 
 TEST(RefusalLog, LogsEachAddressAndKindOncePerMinute)
