@@ -8,6 +8,7 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
 
+#include <limits>
 #include <utility>
 
 namespace beast = boost::beast;
@@ -207,8 +208,8 @@ void HttpConnection::dispatch()
         deliverAnswer(m_exchange, {500, kJson, R"({"error":"server_error","message":"internal failure"})", {}});
     }
     // A handler that answered at once (from the cache) needs no deadline. Answers from other
-    // threads reach this connection's thread only after this returns, so the timer is set before them; its
-    // wait also keeps the connection alive until the answer comes.
+    // threads reach this connection's thread only after this returns, so the timer is set
+    // before them; its wait also keeps the connection alive until the answer comes.
     if (m_awaitingAnswer) {
         m_answerTimer.expires_after(kAnswerTimeout);
         m_answerTimer.async_wait([self = shared_from_this()](error_code error) { self->onAnswerTimeout(error); });
@@ -286,20 +287,21 @@ void HttpConnection::linger()
     error_code ignored;
     m_stream.socket().shutdown(tcp::socket::shutdown_send, ignored);
     m_buffer.consume(m_buffer.size());
-    m_discard = std::make_unique<char[]>(kReadChunk);
     m_stream.expires_after(kLingerTime);
-    drainLingering();
+    discardUntilClosed(kLingerBytes);
 }
 
-void HttpConnection::drainLingering()
+void HttpConnection::discardUntilClosed(std::size_t most)
 {
+    if (!m_discard)
+        m_discard = std::make_unique<char[]>(kReadChunk);
     m_stream.async_read_some(net::buffer(m_discard.get(), kReadChunk),
-                             [self = shared_from_this()](error_code error, std::size_t read) {
-                                 self->m_lingered += read;
-                                 if (error || self->m_lingered >= kLingerBytes)
+                             [self = shared_from_this(), most](error_code error, std::size_t read) {
+                                 self->m_discarded += read;
+                                 if (error || self->m_discarded >= most)
                                      self->close();
                                  else
-                                     self->drainLingering();
+                                     self->discardUntilClosed(most);
                              });
 }
 
@@ -329,9 +331,9 @@ void HttpConnection::startStream(quint64 exchange, QByteArray contentType, QByte
     m_streaming = true;
     // A stream lasts as long as its client; its backlog, not a deadline, bounds a slow one.
     m_stream.expires_never();
-    m_discard = std::make_unique<char[]>(kReadChunk);
     queueStreamBytes(streamHead(contentType) + first);
-    awaitStreamClose();
+    // Whatever the client sends on a stream is dropped; its end is the stream's end.
+    discardUntilClosed(std::numeric_limits<std::size_t>::max());
 }
 
 void HttpConnection::writeToStream(QByteArray bytes)
@@ -374,16 +376,4 @@ void HttpConnection::writeStreamQueue()
                              self->close();
                          self->writeStreamQueue();
                      });
-}
-
-void HttpConnection::awaitStreamClose()
-{
-    // Whatever the client sends on a stream is dropped; its end is the stream's end.
-    m_stream.async_read_some(net::buffer(m_discard.get(), kReadChunk),
-                             [self = shared_from_this()](error_code error, std::size_t) {
-                                 if (error)
-                                     self->close();
-                                 else
-                                     self->awaitStreamClose();
-                             });
 }

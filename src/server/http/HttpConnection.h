@@ -69,13 +69,14 @@ private:
     void writeResponse(HttpResponse response, bool linger);
     void onWritten(boost::system::error_code error, bool linger);
     void linger();
-    void drainLingering();
+    // Reads and drops what the client sends until it closes or `most` bytes have come, then
+    // closes.
+    void discardUntilClosed(std::size_t most);
     void close();
 
     void startStream(quint64 exchange, QByteArray contentType, QByteArray first);
     void queueStreamBytes(QByteArray bytes);
     void writeStreamQueue();
-    void awaitStreamClose();
 
     boost::beast::tcp_stream m_stream;
     std::shared_ptr<HttpServerShared> m_shared;
@@ -97,8 +98,8 @@ private:
     std::deque<QByteArray> m_streamQueue;
     std::size_t m_streamBacklog = 0;
     bool m_streamWriting = false;
-    // Drained and discarded bytes (lingering close, stream clients).
+    // What is read only to be dropped (lingering close, stream clients), and how much of it.
     std::unique_ptr<char[]> m_discard;
-    std::size_t m_lingered = 0;
+    std::size_t m_discarded = 0;
     std::atomic<bool> m_open{true};
 };
