@@ -27,13 +27,6 @@ beast::string_view viewOf(const QByteArray &bytes)
     return {bytes.constData(), std::size_t(bytes.size())};
 }
 
-QByteArray addressOf(const tcp::socket &socket)
-{
-    error_code error;
-    const tcp::endpoint peer = socket.remote_endpoint(error);
-    return error ? QByteArrayLiteral("unknown") : QByteArray::fromStdString(peer.address().to_string());
-}
-
 QByteArray streamHead(const QByteArray &contentType)
 {
     return "HTTP/1.1 200 OK\r\nContent-Type: " + contentType
@@ -45,7 +38,7 @@ QByteArray streamHead(const QByteArray &contentType)
 HttpConnection::HttpConnection(tcp::socket socket, std::shared_ptr<HttpServerShared> shared)
     : m_stream(std::move(socket))
     , m_shared(std::move(shared))
-    , m_peerAddress(addressOf(m_stream.socket()))
+    , m_peerAddress(peerAddressOf(m_stream.socket()))
     // A header never needs more, and a body passes through a read at a time.
     , m_buffer(std::size_t(m_shared->limits.maxHeaderBytes) + kReadChunk)
     , m_answerTimer(m_stream.get_executor())
@@ -53,6 +46,13 @@ HttpConnection::HttpConnection(tcp::socket socket, std::shared_ptr<HttpServerSha
     // Answers are small and written whole: waiting to fill a segment only adds latency.
     error_code ignored;
     m_stream.socket().set_option(tcp::no_delay(true), ignored);
+}
+
+QByteArray HttpConnection::peerAddressOf(const tcp::socket &socket)
+{
+    error_code error;
+    const tcp::endpoint peer = socket.remote_endpoint(error);
+    return error ? QByteArrayLiteral("unknown") : QByteArray::fromStdString(peer.address().to_string());
 }
 
 HttpConnection::~HttpConnection()

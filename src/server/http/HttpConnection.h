@@ -43,6 +43,9 @@ public:
 
     void start();
 
+    // The client's IP address as text, "unknown" when the socket cannot tell.
+    static QByteArray peerAddressOf(const boost::asio::ip::tcp::socket &socket);
+
     // Any thread. An answer or stream for another than the current exchange is dropped.
     void respond(quint64 exchange, HttpResponse response);
     void openStream(quint64 exchange, QByteArray contentType, QByteArray first);

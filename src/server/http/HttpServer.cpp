@@ -9,7 +9,6 @@
 #include <sys/resource.h>
 
 #include <chrono>
-#include <optional>
 #include <thread>
 #include <vector>
 
@@ -20,7 +19,6 @@ using boost::system::error_code;
 namespace {
 // After a failed accept (out of file descriptors, say) wait before the next, rather than spin.
 constexpr std::chrono::milliseconds kAcceptPause{100};
-constexpr qint64 kAcceptFailureLogMs = 60'000;
 // Files the process needs besides its client sockets (database, logs, pictures, listeners).
 constexpr rlim_t kSpareFiles = 256;
 constexpr int kOneThread = 1;  // the concurrency hint of a loop run by one thread
@@ -53,7 +51,6 @@ struct HttpServer::Impl
     tcp::acceptor acceptor{*contexts.front()};
     net::steady_timer acceptPause{*contexts.front()};
     std::size_t nextContext = 0;
-    std::optional<qint64> lastAcceptFailureLog;
     std::vector<net::executor_work_guard<net::io_context::executor_type>> work;
     std::vector<std::thread> threads;
 };
@@ -70,12 +67,8 @@ void HttpServer::Impl::onAccept(error_code error, tcp::socket socket)
     if (error == net::error::operation_aborted || !acceptor.is_open())
         return;
     if (error) {
-        const qint64 now = std::chrono::duration_cast<std::chrono::milliseconds>(
-                               std::chrono::steady_clock::now().time_since_epoch()).count();
-        if (!lastAcceptFailureLog || now - *lastAcceptFailureLog >= kAcceptFailureLogMs) {
-            lastAcceptFailureLog = now;
-            shared->log(QStringLiteral("cannot accept a connection: %1").arg(QString::fromStdString(error.message())));
-        }
+        shared->refusals.once("accept", QStringLiteral("cannot accept a connection: %1")
+                                            .arg(QString::fromStdString(error.message())));
         acceptPause.expires_after(kAcceptPause);
         acceptPause.async_wait([this](error_code waitError) {
             if (!waitError)
@@ -84,10 +77,9 @@ void HttpServer::Impl::onAccept(error_code error, tcp::socket socket)
         return;
     }
     if (shared->connections.load() >= shared->limits.maxConnections) {
-        error_code ignored;
-        const tcp::endpoint peer = socket.remote_endpoint(ignored);
-        shared->refusals.refused(QByteArray::fromStdString(peer.address().to_string()), "connections",
+        shared->refusals.refused(HttpConnection::peerAddressOf(socket), "connections",
                                  QStringLiteral("over %1 connections (closed)").arg(shared->limits.maxConnections));
+        error_code ignored;
         socket.close(ignored);
     } else {
         shared->connections.fetch_add(1);

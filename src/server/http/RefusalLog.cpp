@@ -16,8 +16,12 @@ RefusalLog::RefusalLog(Sink sink, Clock clock)
 
 void RefusalLog::refused(const QByteArray &address, const QByteArray &kind, const QString &what)
 {
+    once(address + ' ' + kind, QStringLiteral("refused %1: %2").arg(QString::fromLatin1(address), what));
+}
+
+void RefusalLog::once(const QByteArray &key, const QString &line)
+{
     const qint64 now = m_clock();
-    const QByteArray key = address + ' ' + kind;
     {
         std::lock_guard lock(m_mutex);
         const auto last = m_lastLogged.constFind(key);
@@ -31,5 +35,5 @@ void RefusalLog::refused(const QByteArray &address, const QByteArray &kind, cons
             return;
         m_lastLogged.insert(key, now);
     }
-    m_sink(QStringLiteral("refused %1: %2").arg(QString::fromLatin1(address), what));
+    m_sink(line);
 }

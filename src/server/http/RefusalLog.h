@@ -17,13 +17,15 @@ public:
     using Clock = std::function<qint64()>;  // milliseconds, steady
 
     static constexpr qint64 kWindowMs = 60'000;
-    // Addresses and kinds remembered at once; past it, those whose minute is over are forgotten.
+    // Keys (addresses and kinds) remembered at once; past it, those whose minute is over are forgotten.
     static constexpr qsizetype kMaxAddresses = 4096;
 
     explicit RefusalLog(Sink sink, Clock clock = {});
 
     // `kind` tells refusals apart ("413", "timeout"); `what` is the text logged.
     void refused(const QByteArray &address, const QByteArray &kind, const QString &what);
+    // Logs `line` unless a line under the same `key` was logged within the minute.
+    void once(const QByteArray &key, const QString &line);
 
 private:
     Sink m_sink;
