@@ -97,6 +97,8 @@ ServerReply ForumRouter::handle(const ServerRequest &request)
 {
     if (std::optional<ServerReply> tooLarge = sizeFailure(request))
         return *tooLarge;
+    // Answers kept from before another process's write are dropped before any is used.
+    m_store.database().takeChangeNotices();
     const QString path = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path));
     try {
         if (path.startsWith(kApiPrefix))
@@ -116,7 +118,9 @@ std::optional<ServerReply> ForumRouter::cachedReply(const ServerRequest &request
 {
     // Only what handle() would answer from the cache: no size failure, a reading endpoint
     // asked the right way, and a Host of its own (the fallback origin is the store thread's).
-    if (request.method != "GET" || sizeFailure(request))
+    // A change notice not yet read may make the kept answer stale: the store's thread reads
+    // it first.
+    if (request.method != "GET" || sizeFailure(request) || m_store.database().changeNoticesPending())
         return std::nullopt;
     const QByteArray digest = RequestKeyMemo::digest(request.path, request.rawQuery, request.host);
     std::optional<QByteArray> key = m_keyMemo.find(digest);

@@ -4,9 +4,13 @@
 #include "ServerLog.h"
 
 #include <QAtomicInteger>
+#include <QCoreApplication>
+#include <QSocketNotifier>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QVariant>
+
+#include <poll.h>
 
 namespace {
 
@@ -98,7 +102,29 @@ bool ForumDatabase::connect(QString *error)
         *error = QStringLiteral("cannot listen on %1: %2").arg(m_location.describe(), driver->lastError().text());
         return false;
     }
+    // The driver watches the connection's socket for notices with a notifier of its own.
+    const auto *notifier = driver->findChild<QSocketNotifier *>();
+    m_noticeSocket = notifier ? int(notifier->socket()) : -1;
     return true;
+}
+
+bool ForumDatabase::changeNoticesPending() const
+{
+    const int socket = m_noticeSocket.load();
+    if (socket < 0)
+        return false;
+    pollfd watched{socket, POLLIN, 0};
+    return ::poll(&watched, 1, 0) > 0 && (watched.revents & POLLIN);
+}
+
+void ForumDatabase::takeChangeNotices()
+{
+    if (!changeNoticesPending())
+        return;
+    if (auto *notifier = m_db.driver()->findChild<QSocketNotifier *>()) {
+        QEvent activation(QEvent::SockAct);
+        QCoreApplication::sendEvent(notifier, &activation);
+    }
 }
 
 bool ForumDatabase::migrate(QString *error)
@@ -198,6 +224,7 @@ void ForumDatabase::ensureConnected()
         return;
     if (!m_nextAttempt.hasExpired())
         throw StoreUnavailable("database unavailable");
+    m_noticeSocket = -1;
     m_db.close();
     QString error;
     if (!connect(&error)) {

@@ -16,6 +16,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -83,6 +84,13 @@ public:
     int addChangeListener(ChangeListener listener);
     void removeChangeListener(int id);
 
+    // Whether another process's change notice has reached this connection but is not read
+    // yet, so answers kept from before it may be stale. Any thread.
+    bool changeNoticesPending() const;
+    // Reads the notices that have arrived (telling the listeners) at once, rather than when
+    // the event loop comes to them. Main thread.
+    void takeChangeNotices();
+
     // Everything between construction and commit() happens as one write, or not at all.
     class Transaction
     {
@@ -125,4 +133,6 @@ private:
     bool m_lost = false;
     int m_retryMs = kFirstRetryMs;
     QDeadlineTimer m_nextAttempt;
+    // The socket change notices arrive on, or -1 (SQLite, or no connection).
+    std::atomic<int> m_noticeSocket{-1};
 };
